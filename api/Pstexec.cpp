@@ -1,0 +1,251 @@
+// Pstexec.cpp - the postal address API: where the dictionary is, opening and closing it, answers packed into blocks.
+#include "api/Pstexec.h"
+
+#include "api/PstexecState.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstring>
+#include <new>
+#include <string>
+#include <vector>
+
+CAddrDic dic;
+int hDicFile = 0;
+long nDicSize = 0;
+
+// Declared here because <assert.h> hides it in a build without assertions, and this one is needed there too.
+extern "C" [[noreturn]] void __assert_fail(char const*, char const*, unsigned, char const*) noexcept;
+
+namespace {
+
+constexpr char PROFILE_LIBRARY[] = "libqeprof.so";
+constexpr char PROFILE_FUNCTION[] = "QeGetProfileString";
+constexpr char DIC_FILE[] = "/qeadrs.dic";
+constexpr size_t PATH_SIZE = 260;
+
+using PFNPROFILE = int (*)(char const*, char const*, char const*, char*, int);
+
+// The path of the dictionary file into szPath. False when the profile cannot be asked or the path does not fit.
+bool FindDictionary(char (&szPath)[PATH_SIZE]) {
+    HMODULE const hProfile = LoadLibrary(PROFILE_LIBRARY);
+    if (hProfile == nullptr) return false;
+    auto const pfnProfile = reinterpret_cast<PFNPROFILE>(GetProcAddress(hProfile, PROFILE_FUNCTION));
+    // The module stays loaded here: a library of this name that lacks the function is the host's own, not ours to
+    // drop.
+    if (pfnProfile == nullptr) return false;
+    std::memset(szPath, 0, sizeof szPath);
+    pfnProfile("General", "DicDir", "", szPath, static_cast<int>(sizeof szPath));
+    FreeLibrary(hProfile);
+    size_t const nLength = strnlen(szPath, sizeof szPath);
+    if (nLength > sizeof szPath - sizeof DIC_FILE) return false;
+    std::memcpy(szPath + nLength, DIC_FILE, sizeof DIC_FILE);
+    return true;
+}
+
+size_t TextLength(char const* psz) {
+    return psz == nullptr ? 0 : std::strlen(psz);
+}
+
+bool AreEqual(char const* psz, char const* pszOther) {
+    return psz != nullptr && pszOther != nullptr && std::strcmp(psz, pszOther) == 0;
+}
+
+// A locked block, written front to back. Without memory for it nothing is written.
+class CBlock {
+  public:
+    // Allocates and locks nSize zero bytes; stores the handle in *phResult whether or not it could be locked.
+    CBlock(size_t nSize, HGLOBAL* phResult)
+        : m_hMem(*phResult = GlobalAlloc(GHND, nSize)),
+          m_pStart(m_hMem == nullptr ? nullptr : static_cast<unsigned char*>(GlobalLock(m_hMem))),
+          m_pNext(m_pStart) {}
+    ~CBlock() {
+        if (m_pStart != nullptr) GlobalUnlock(m_hMem);
+    }
+    CBlock(CBlock const&) = delete;
+    CBlock& operator=(CBlock const&) = delete;
+
+    bool IsLocked() const { return m_pStart != nullptr; }
+    void Seek(size_t nOffset) { m_pNext = m_pStart + nOffset; }
+    void PutByte(size_t n) { *m_pNext++ = static_cast<unsigned char>(n); }
+    void PutShort(size_t n) { PutInteger(static_cast<uint16_t>(n)); }
+    void PutLong(size_t n) { PutInteger(static_cast<uint32_t>(n)); }
+    void PutText(char const* psz, size_t nLength) {
+        if (nLength != 0) std::memcpy(m_pNext, psz, nLength);
+        m_pNext += nLength;
+    }
+
+  private:
+    template <typename T>
+    void PutInteger(T n) {
+        std::memcpy(m_pNext, &n, sizeof n);
+        m_pNext += sizeof n;
+    }
+
+    HGLOBAL m_hMem;
+    unsigned char* m_pStart;
+    unsigned char* m_pNext;
+};
+
+// A NUL-terminated text field of N bytes in a caller's record, with a NUL of our own behind it.
+template <size_t N>
+std::array<char, N + 1> TextField(unsigned char const* p) {
+    std::array<char, N + 1> szText{};
+    std::memcpy(szText.data(), p, N);
+    return szText;
+}
+
+// The texts of one address: first their order in the pool, then the place of each in its entry.
+struct CZipText {
+    char const* tagADDR::*pszText;
+    size_t nSlot;
+};
+constexpr size_t ZIP_TEXTS = 7;
+constexpr CZipText ZIP_POOL[ZIP_TEXTS] = {
+    {&tagADDR::pszCodeExt, 1}, {&tagADDR::pszPostCode, 0}, {&tagADDR::pszPref, 2},   {&tagADDR::pszCity, 3},
+    {&tagADDR::pszTown, 4},    {&tagADDR::pszArea, 5},     {&tagADDR::pszOffice, 6},
+};
+constexpr size_t ZIP_HEADER = 12;
+constexpr size_t ZIP_ENTRY = 4 * ZIP_TEXTS;
+
+int PackAddresses(std::vector<tagADDR> const& vAddr, HGLOBAL* phResult) {
+    size_t const nPool = ZIP_HEADER + ZIP_ENTRY * vAddr.size();
+    size_t nSize = nPool;
+    for (tagADDR const& addr : vAddr)
+        for (CZipText const& text : ZIP_POOL) nSize += TextLength(addr.*text.pszText) + 1;
+    CBlock block(nSize, phResult);
+    if (!block.IsLocked()) return 1;
+    block.PutShort(vAddr.size());
+    block.PutShort(0);
+    block.PutLong(ZIP_HEADER);
+    block.PutLong(nPool);
+    size_t nEntry = ZIP_HEADER;
+    size_t nText = 0; // offset in the pool
+    for (tagADDR const& addr : vAddr) {
+        for (CZipText const& text : ZIP_POOL) {
+            size_t const nLength = TextLength(addr.*text.pszText);
+            block.Seek(nEntry + 4 * text.nSlot);
+            block.PutLong(nText);
+            block.Seek(nPool + nText);
+            block.PutText(addr.*text.pszText, nLength);
+            nText += nLength + 1; // the block is zero-filled: the NUL is there
+        }
+        nEntry += ZIP_ENTRY;
+    }
+    return 0;
+}
+
+// Removes every address whose prefecture and city are those of the one kept before it.
+void RemoveRepeatedCities(std::vector<tagADDR>& vAddr) {
+    size_t nKept = 0;
+    for (tagADDR const& addr : vAddr) {
+        if (nKept > 0 && AreEqual(addr.pszPref, vAddr[nKept - 1].pszPref) &&
+            AreEqual(addr.pszCity, vAddr[nKept - 1].pszCity))
+            continue;
+        vAddr[nKept++] = addr;
+    }
+    vAddr.erase(vAddr.begin() + static_cast<std::ptrdiff_t>(nKept), vAddr.end());
+}
+
+short PackCities(std::vector<tagADDR> const& vAddr, HGLOBAL* phResult) {
+    size_t nSize = 2;
+    for (tagADDR const& addr : vAddr) nSize += 1 + TextLength(addr.pszPref) + TextLength(addr.pszCity);
+    CBlock block(nSize, phResult);
+    if (!block.IsLocked()) return 1;
+    block.PutShort(vAddr.size());
+    for (tagADDR const& addr : vAddr) {
+        size_t const nPref = TextLength(addr.pszPref);
+        size_t const nCity = TextLength(addr.pszCity);
+        block.PutByte((nPref + nCity) % 256); // one byte by design: a longer pair wraps, its texts stay whole
+        block.PutText(addr.pszPref, nPref);
+        block.PutText(addr.pszCity, nCity);
+    }
+    return 0;
+}
+
+} // namespace
+
+extern "C" {
+
+short PstAdrOpen() {
+    char szPath[PATH_SIZE];
+    if (!FindDictionary(szPath)) return 1;
+    hDicFile = open(szPath, O_RDONLY);
+    struct stat status = {}; // a failed stat leaves size 0, which cannot be mapped
+    stat(szPath, &status);
+    auto const nSize = static_cast<size_t>(status.st_size);
+    void* const pMapping = mmap(nullptr, nSize, PROT_READ, MAP_SHARED, hDicFile, 0);
+    if (pMapping == MAP_FAILED) {
+        close(hDicFile);
+        return 1;
+    }
+    nDicSize = static_cast<long>(nSize); // only now: until here it belongs to the mapping that `dic` may still hold
+    dic.SetDictionary(static_cast<unsigned char const*>(pMapping));
+    return 0;
+}
+
+short PstAdrClose() {
+    munmap(const_cast<unsigned char*>(dic.GetDicPointer()), static_cast<size_t>(nDicSize));
+    nDicSize = 0; // a second close must not unmap what somebody else has mapped there since
+    close(hDicFile);
+    hDicFile = -1;
+    return 0;
+}
+
+short PstAdrGetComment(CHAR* pszBuffer, int* pnKind) {
+    constexpr char FILE_NAME[] = "../Pstexec";
+    constexpr char FUNCTION[] = "short int PstAdrGetComment(CHAR*, int*)";
+    constexpr int KIND_OFFICE = 3;
+    constexpr size_t COMMENT_LENGTH = 127;
+    // Part of the interface, whatever the build: hosts know these two by their file and line.
+    if (pnKind == nullptr) __assert_fail("0", FILE_NAME, 240, FUNCTION);
+    if (*pnKind != KIND_OFFICE) return 1;
+    char const* const pszOffice = dic.GetLastInc();
+    if (pszOffice == nullptr) return 1;
+    size_t const nLength = std::strlen(pszOffice);
+    if (nLength > COMMENT_LENGTH) __assert_fail("0", FILE_NAME, 250, FUNCTION);
+    if (pszBuffer == nullptr) return 1;
+    std::memcpy(pszBuffer, pszOffice, nLength);
+    pszBuffer[nLength] = '\0';
+    return 0;
+}
+
+int GetAdrFromZip(char const* pszCode, HGLOBAL* phResult) try {
+    if (pszCode == nullptr || *pszCode == '\0' || phResult == nullptr) return 1;
+    std::vector<tagADDR> vAddr;
+    dic.GetAddrFromPostCode7(pszCode, vAddr);
+    return vAddr.empty() ? 1 : PackAddresses(vAddr, phResult);
+} catch (std::bad_alloc const&) {
+    return 1;
+}
+
+short PstAdrCity(void* pRecord, HGLOBAL* phResult) try {
+    if (pRecord == nullptr || phResult == nullptr) return 1;
+    auto const* const p = static_cast<unsigned char const*>(pRecord);
+    uint16_t nSortType;
+    std::memcpy(&nSortType, p, sizeof nSortType);
+    auto const szOldCode = TextField<6>(p + 2);
+    auto const szCode = TextField<8>(p + 8);
+    dic.SetSortType(nSortType);
+    std::vector<tagADDR> vAddr;
+    if (szCode[0] != '\0')
+        dic.GetAddrFromPostCode7(szCode.data(), vAddr);
+    else if (szOldCode[0] == '\0')
+        return 1;
+    else
+        dic.GetAddrFromPostCode5(szOldCode.data(), vAddr);
+    RemoveRepeatedCities(vAddr);
+    return PackCities(vAddr, phResult);
+} catch (std::bad_alloc const&) {
+    return 1;
+}
+
+} // extern "C"
+
+short PstAdrGetNum() {
+    return 1;
+}

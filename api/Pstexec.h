@@ -1,0 +1,86 @@
+// Pstexec.h - the postal address API: one dictionary for the process, found through the profile, answers as movable
+// memory blocks.
+//
+//   HGLOBAL h;
+//   if (PstAdrOpen() == 0 && GetAdrFromZip("100-0001", &h) == 0) {
+//       unsigned char const* p = GlobalLock(h);    // the block drawn at GetAdrFromZip
+//       ...
+//       GlobalUnlock(h);
+//       GlobalFree(h);                             // the caller owns the block
+//   }
+//   PstAdrClose();
+//
+// Dictionary  The file qeadrs.dic in the folder that the profile names: section General, key DicDir (QeProfile.h says
+//             where the profile is). An absent key means the root folder.
+// Texts       UTF-8, NUL-terminated. Codes are ASCII digits; hyphens, blanks and other characters between them are
+//             ignored, and full-width digits are understood in code page 932 (not in UTF-8).
+// Results     0 success, 1 failure, and nothing else is told; out-parameters are written where it says so.
+// Threads     One process-wide state, not locked: one thread at a time. Between a close and the next open, and before
+//             the first open has succeeded, only PstAdrOpen and PstAdrClose may be called.
+// Blocks      Integers are little-endian.
+#ifndef QEADRS_API_PSTEXEC_H
+#define QEADRS_API_PSTEXEC_H
+
+#include "platform/Win32Compat.h"
+
+#if !defined(QEADRS_API)
+#    define QEADRS_API __attribute__((visibility("default")))
+#    define QEADRS_LOCAL __attribute__((visibility("hidden")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+// Maps the dictionary. 0; 1 when the profile library or its function is missing, the path needs more than the 260
+// bytes kept for it (a folder of 249 bytes or more), or the file cannot be mapped. What is in the file is not
+// checked. A second open without a close maps the file again and answers from there; the earlier mapping stays.
+QEADRS_API short PstAdrOpen(void);
+
+// Unmaps the dictionary and closes its descriptor. Always 0, also when nothing was open; but call it only after an
+// open that succeeded, since a descriptor number that is not ours any more is closed all the same (before the first
+// open that number is 0).
+QEADRS_API short PstAdrClose(void);
+
+// *pnKind 3: copies the name of the organisation that the last 7-digit lookup met into pszBuffer, 128 bytes of the
+// caller's at least, and returns 0. 1, and nothing written, for any other kind and when that lookup met none. A null
+// pnKind and a name above 127 bytes abort the process; a null pszBuffer gives 1.
+QEADRS_API short PstAdrGetComment(CHAR* pszBuffer, int* pnKind);
+
+// All addresses of a postal code or of its leading part (1 to 7 digits), in dictionary order, or sorted when a
+// PstAdrCity before has set sort type 9. 0 with a block in *phResult; 1 for null arguments, "" and a code that is not
+// there (*phResult untouched), and when there is no memory (*phResult is the handle as far as there is one).
+//
+//   off size  the block, N addresses
+//     0    2  N
+//     2    2  0
+//     4    4  12: offset of the entries
+//     8    4  12 + 28 N: offset of the pool
+//    12  28N  entries of seven 32-bit offsets into the pool: +0 postal code, +4 always an empty text, +8 prefecture,
+//             +12 city, +16 town, +20 level-3 name, +24 organisation
+//             pool: NUL-terminated texts; an absent level is an empty text
+QEADRS_API int GetAdrFromZip(char const* pszCode, HGLOBAL* phResult);
+
+// The prefecture and city of a postal code, each pair once where equal ones are neighbours.
+//
+//   off size  pRecord, the caller's
+//     0    2  sort type, kept for later calls: 2 dictionary order, 9 sorted
+//     2    6  old 5-digit postal code, NUL-terminated; used when the next field is empty
+//     8    8  7-digit postal code or a leading part of one, NUL-terminated
+//
+//   off size  the block, N pairs
+//     0    2  N; 0 when nothing was found
+//     2       pairs, packed: one byte with the length of both texts (modulo 256), prefecture, city; no NUL
+//
+// 0 with a block in *phResult; 1 for a null argument, two empty codes (the sort type is taken all the same), and when
+// the block cannot be had or locked (*phResult is the handle as far as there is one).
+QEADRS_API short PstAdrCity(void* pRecord, HGLOBAL* phResult);
+
+#ifdef __cplusplus
+}
+
+// Always 1. Unlike the others a C++ function: its symbol carries its empty parameter list.
+QEADRS_API short PstAdrGetNum();
+#endif
+
+#endif

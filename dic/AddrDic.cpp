@@ -1,0 +1,166 @@
+// AddrDic.cpp - the dictionary object: binding an image, the doors into its tables, entries as address records.
+#include "dic/AddrDic.h"
+
+#include "dic/ImageHeader.h"
+#include "dic/ImageText.h"
+
+CAddrDic::CAddrDic() : szOffice{} {
+#if defined(__i386__)
+    // The object of the 32-bit library, its members as its callers know them.
+    static_assert(sizeof(CAddrDic) == 1276);
+    static_assert(offsetof(CAddrDic, pNodeTable) == 4 && offsetof(CAddrDic, pOfficeIndex) == 28);
+    static_assert(offsetof(CAddrDic, szRefinePostCode) == 32 && offsetof(CAddrDic, szRefineAddr) == 40);
+    static_assert(offsetof(CAddrDic, nSelPref) == 168 && offsetof(CAddrDic, vPrefList) == 184);
+    static_assert(offsetof(CAddrDic, pszLastOffice) == 220 && offsetof(CAddrDic, szOffice) == 224);
+    static_assert(offsetof(CAddrDic, nSortType) == 1224 && offsetof(CAddrDic, vRefineTree) == 1228);
+#endif
+    SetDictionary(nullptr);
+}
+
+CAddrDic::~CAddrDic() = default;
+
+int CAddrDic::SetDictionary(unsigned char const* pDictionary) {
+    std::memset(szRefinePostCode, 0, sizeof szRefinePostCode);
+    std::memset(szRefineAddr, 0, sizeof szRefineAddr);
+    nSelPref = nSelCity = nSelTown = nSelUnused = 0;
+    pszLastOffice = nullptr;
+    vPrefList.clear();
+    vCityList.clear();
+    vTownList.clear();
+    nSortType = SORT_DICTIONARY;
+    vRefineTree.clear();
+    vPrefPnt.clear();
+    vCityPnt.clear();
+    vTownPnt.clear();
+
+    pImage = pDictionary;
+    auto const Table = [pDictionary](tagHEADERWORD nWord) -> void const* {
+        return pDictionary == nullptr ? nullptr : pDictionary + HeaderWord(pDictionary, nWord);
+    };
+    pNodeTable = static_cast<tagADDRNODE const*>(Table(HDR_NODE_TABLE));
+    pInfoTable = static_cast<tagADDRINFO const*>(Table(HDR_INFO_TABLE));
+    pszStrings = static_cast<char const*>(Table(HDR_STRING_AREA));
+    pCityIndex = static_cast<uint32_t const*>(Table(HDR_CITY_INDEX));
+    pFifthTable = Table(HDR_FIFTH_TABLE);
+    pSixthTable = Table(HDR_SIXTH_TABLE);
+    pOfficeIndex = static_cast<uint32_t const*>(Table(HDR_OFFICE_INDEX));
+    return 1;
+}
+
+unsigned char const* CAddrDic::GetDicPointer() const {
+    return pImage;
+}
+
+char const* CAddrDic::GetStrings() const {
+    return pszStrings;
+}
+
+// The counts are read from the image each time, so that they are always those of the bound image.
+char const* CAddrDic::GetString(unsigned long nOffset) const {
+    return pImage != nullptr && nOffset < HeaderWord(pImage, HDR_STRING_SIZE) ? pszStrings + nOffset : nullptr;
+}
+
+tagADDRNODE const* CAddrDic::GetAddrNode(unsigned long nIndex) const {
+    return pImage != nullptr && nIndex < HeaderWord(pImage, HDR_NODE_COUNT) ? pNodeTable + nIndex : nullptr;
+}
+
+tagADDRINFO const* CAddrDic::GetAddrInfo(unsigned long nIndex) const {
+    return pImage != nullptr && nIndex < HeaderWord(pImage, HDR_INFO_COUNT) ? pInfoTable + nIndex : nullptr;
+}
+
+namespace {
+
+// Steps from a node up to its prefecture. A chain that meets more nodes than the image has goes in a circle (only a
+// damaged dictionary's does) and ends there.
+class CUpwardWalk {
+  public:
+    CUpwardWalk(CAddrDic const& dic, uint32_t nNode)
+        : m_dic(dic),
+          m_pNode(dic.GetAddrNode(nNode)),
+          m_nLeft(m_pNode != nullptr ? HeaderWord(dic.GetDicPointer(), HDR_NODE_COUNT) : 0) {}
+
+    tagADDRNODE const* Node() const { return m_pNode; } // null at the end
+    void Next() { m_pNode = --m_nLeft == 0 ? nullptr : m_dic.GetAddrNode(m_pNode->nParent); }
+
+  private:
+    CAddrDic const& m_dic;
+    tagADDRNODE const* m_pNode;
+    uint32_t m_nLeft;
+};
+
+} // namespace
+
+int CAddrDic::GetAddrPtr(tagADDRINFO const* pInfo, tagADDRNODE const** ppPref, tagADDRNODE const** ppCity,
+                         tagADDRNODE const** ppTown) {
+    if (pInfo == nullptr || ppPref == nullptr || ppCity == nullptr || ppTown == nullptr) return 0;
+    *ppPref = *ppCity = *ppTown = nullptr;
+    if ((pInfo->nNode & ADDRINFO_SUPERSEDED) != 0) return 0;
+    CUpwardWalk walk(*this, pInfo->nNode);
+    if (walk.Node() == nullptr) return 0;
+    *ppTown = walk.Node();
+    // From the parent on: the deepest node is the town, whatever its level, and is nothing else besides.
+    for (walk.Next(); walk.Node() != nullptr; walk.Next()) {
+        if (walk.Node()->nLevel == LEVEL_CITY) *ppCity = walk.Node();
+        if (walk.Node()->nLevel == LEVEL_PREF) *ppPref = walk.Node();
+    }
+    return 1;
+}
+
+tagADDRNODE const* CAddrDic::GetCityNode(tagADDRINFO const* pInfo) {
+    if (pInfo == nullptr) return nullptr;
+    CUpwardWalk walk(*this, pInfo->nNode & ~ADDRINFO_SUPERSEDED);
+    while (walk.Node() != nullptr && walk.Node()->nLevel != LEVEL_CITY) walk.Next();
+    return walk.Node();
+}
+
+int CAddrDic::GetAddr(tagADDRINFO const* pInfo, tagADDR* pAddr) {
+    if (pInfo == nullptr || pAddr == nullptr) return 0;
+    CImageText const text(*this);
+    pAddr->pszPostCode = text.At(pInfo->nCode);
+    // The code's own NUL, not the old code behind it: callers of this operation rely on an empty text here.
+    pAddr->pszCodeExt = text.Behind(pInfo->nCode, 0);
+    for (CUpwardWalk walk(*this, pInfo->nNode & ~ADDRINFO_SUPERSEDED); walk.Node() != nullptr; walk.Next()) {
+        uint32_t const nName = walk.Node()->nName;
+        auto const Take = [&](char const*& pszName, char const*& pszKana) {
+            pszName = text.At(nName);
+            pszKana = text.Behind(nName, 1);
+        };
+        switch (walk.Node()->nLevel) {
+        case LEVEL_PREF:
+            Take(pAddr->pszPref, pAddr->pszPrefKana);
+            break;
+        case LEVEL_CITY:
+            Take(pAddr->pszCity, pAddr->pszCityKana);
+            break;
+        case LEVEL_TOWN:
+            Take(pAddr->pszTown, pAddr->pszTownKana);
+            break;
+        case LEVEL_AREA:
+            Take(pAddr->pszArea, pAddr->pszAreaKana);
+            break;
+        case LEVEL_BLOCK:
+            Take(pAddr->pszBlock, pAddr->pszBlockKana);
+            break;
+        case LEVEL_NOTE:
+            pAddr->pszNote = text.At(nName);
+            break;
+        case LEVEL_OFFICE:
+            Take(pAddr->pszOffice, pAddr->pszOfficeKana);
+            break;
+        default:
+            break;
+        }
+    }
+    return 1;
+}
+
+void CAddrDic::SetSortType(unsigned short nType) {
+    nSortType = nType;
+}
+
+char const* CAddrDic::GetLastInc() {
+    if (pszLastOffice == nullptr || pImage == nullptr) return nullptr;
+    if (pszLastOffice < pszStrings || pszLastOffice >= pszStrings + HeaderWord(pImage, HDR_STRING_SIZE))
+        return nullptr;
+    return pszLastOffice;
+}

@@ -1,0 +1,144 @@
+// CAddrDic - the address dictionary: answers every query from one mapped, read-only image.
+//
+//   CAddrDic dic;
+//   dic.SetDictionary(pImage);                     // binds; checks nothing, copies nothing
+//   std::vector<tagADDR> vAddr;
+//   if (dic.GetAddrFromPostCode7("100-0001", vAddr)) puts(vAddr[0].pszCity);   // 千代田区
+//
+// Lifetime  The object never owns the image. Texts in a tagADDR lead into it and live as long as the mapping; once
+// the
+//           owner has unmapped it, call nothing before the next SetDictionary.
+// State     Each lookup rewrites the lists it owns; other calls read them until the next lookup.
+// Threads   One object, one thread. Objects over the same image are independent of each other.
+// Failure   Nothing throws but std::bad_alloc. An index or offset outside its table yields null, and null means not
+//           found. An object without an image finds nothing.
+// File      Replace the file by renaming a new one over it; editing a mapped file is not supported.
+#ifndef QEADRS_DIC_ADDRDIC_H
+#define QEADRS_DIC_ADDRDIC_H
+
+#include "dic/Addr.h"
+#include "dic/AddrNode.h"
+#include "tree/AddrPnt.h"
+
+#include <vector>
+
+#if !defined(QEADRS_API)
+#    define QEADRS_API __attribute__((visibility("default")))
+#    define QEADRS_LOCAL __attribute__((visibility("hidden")))
+#endif
+
+// Sort types (SetSortType): only SORT_ADDR changes anything.
+constexpr unsigned short SORT_DICTIONARY = 2; // results in dictionary order
+constexpr unsigned short SORT_ADDR = 9;       // results in the order of tagADDR::operator<
+
+// The 47 prefectures in the conventional order, that of JIS X 0401: a two-digit code counted from 0 ("00" 北海道 to
+// "46" 沖縄県) with its NUL, and from byte 3 on the name, padded with NUL.
+constexpr int PREF_ORDER_ROWS = 47;
+constexpr int PREF_ORDER_ROW_SIZE = 16;
+constexpr int PREF_ORDER_NAME = 3;
+inline constexpr char pref_order[PREF_ORDER_ROWS][PREF_ORDER_ROW_SIZE] = {
+    "00\0北海道", "01\0青森県", "02\0岩手県", "03\0宮城県", "04\0秋田県", "05\0山形県",   "06\0福島県", "07\0茨城県",
+    "08\0栃木県", "09\0群馬県", "10\0埼玉県", "11\0千葉県", "12\0東京都", "13\0神奈川県", "14\0新潟県", "15\0富山県",
+    "16\0石川県", "17\0福井県", "18\0山梨県", "19\0長野県", "20\0岐阜県", "21\0静岡県",   "22\0愛知県", "23\0三重県",
+    "24\0滋賀県", "25\0京都府", "26\0大阪府", "27\0兵庫県", "28\0奈良県", "29\0和歌山県", "30\0鳥取県", "31\0島根県",
+    "32\0岡山県", "33\0広島県", "34\0山口県", "35\0徳島県", "36\0香川県", "37\0愛媛県",   "38\0高知県", "39\0福岡県",
+    "40\0佐賀県", "41\0長崎県", "42\0熊本県", "43\0大分県", "44\0宮崎県", "45\0鹿児島県", "46\0沖縄県",
+};
+
+class QEADRS_API CAddrDic {
+  public:
+    CAddrDic();
+    ~CAddrDic();
+    CAddrDic(CAddrDic const&) = delete;
+    CAddrDic& operator=(CAddrDic const&) = delete;
+
+    // --- the dictionary and its records -----------------------------------------------------------------------
+
+    // Forgets all working state (sort type 2 again) and binds the image; may be called again to bind another one.
+    // The header is not checked. Always 1. REQUIRES: a well-formed image, or null, which unbinds.
+    int SetDictionary(unsigned char const* pDictionary);
+
+    // The bound image and its string area; null before the first SetDictionary.
+    unsigned char const* GetDicPointer() const;
+    char const* GetStrings() const;
+
+    // A text by its offset in the string area, a record by its index: null when it lies outside its table.
+    char const* GetString(unsigned long nOffset) const;
+    tagADDRNODE const* GetAddrNode(unsigned long nIndex) const;
+    tagADDRINFO const* GetAddrInfo(unsigned long nIndex) const;
+
+    // The nodes of a current entry: *ppTown is its deepest node, whatever its level, *ppCity and *ppPref the nodes of
+    // level 1 and 0 on the way up, null where there is none. Returns 1; 0 for a null argument (nothing written), a
+    // superseded entry or an entry without a node (all three null).
+    int GetAddrPtr(tagADDRINFO const* pInfo, tagADDRNODE const** ppPref, tagADDRNODE const** ppCity,
+                   tagADDRNODE const** ppTown);
+
+    // The first node of level 1 from the entry's node upwards, superseded entries included; null when there is none.
+    tagADDRNODE const* GetCityNode(tagADDRINFO const* pInfo);
+
+    // Writes the entry's code and the names and readings of all its levels into *pAddr; superseded entries included.
+    // pszCodeExt becomes "" (the code's own NUL). Fields of levels that the entry lacks, node pointers and nCityOrder
+    // keep their values: zero the record first. Returns 1, or 0 for a null argument.
+    int GetAddr(tagADDRINFO const* pInfo, tagADDR* pAddr);
+
+    // The order of list answers from now on, until the next SetDictionary: SORT_ADDR sorts, all else does not.
+    void SetSortType(unsigned short nType);
+
+    // Name of the organisation that the last 7-digit lookup met (the last in table order), null when it met none.
+    char const* GetLastInc();
+
+    // --- postal-code lookup -----------------------------------------------------------------------------------
+
+    // Keeps the digits and "?" and "*" of the text, in place, and drops all else; a two-byte character of code page
+    // 932 counts as its single-byte form. "〒100-0001" becomes "1000001". Null is ignored.
+    void MakePostCode(char* pszText);
+
+    // Index of the first entry whose code begins with pszCode, -1 when there is none; 0 for null or "".
+    long SearchPostCode7(char const* pszCode);
+
+    // Appends the addresses of a 7-digit code, or of all codes that begin with pszCode, in any spelling that
+    // MakePostCode understands. Entries without a town level or a city are left out. Rewrites the city list and the
+    // last organisation; with SORT_ADDR sorts the whole of vAddr. Returns 1 when the code was searched, 0 (and leaves
+    // vAddr as it is) for null, a text without digits and a code that is not there.
+    int GetAddrFromPostCode7(char const* pszCode, std::vector<tagADDR>& vAddr);
+
+    // Appends the addresses whose old code is exactly pszCode ("100", "06008"), in table order. The scan begins at
+    // the first 7-digit code that begins with pszCode and ends after 10000 entries: what lies outside is not found.
+    // Rewrites the city list. Returns 1 when searched, 0 for null and when no 7-digit code begins so.
+    int GetAddrFromPostCode5(char const* pszCode, std::vector<tagADDR>& vAddr);
+
+    // An empty entry point, kept for its callers: does nothing and returns 1.
+    int GetCityFromPostCode5(char const* pszCode, std::vector<tagADDR>& vAddr);
+
+  private:
+    friend struct CAddrDicPeek; // layout checks, and tests of state that no operation reads
+
+    QEADRS_LOCAL void KeepOfficeText();
+
+    unsigned char const* pImage;
+    tagADDRNODE const* pNodeTable;
+    tagADDRINFO const* pInfoTable;
+    char const* pszStrings;
+    uint32_t const* pCityIndex;
+    void const* pFifthTable; // bound, never read
+    void const* pSixthTable; // bound, never read
+    uint32_t const* pOfficeIndex;
+    char szRefinePostCode[8];
+    char szRefineAddr[128];
+    int nSelPref;
+    int nSelCity;
+    int nSelTown;
+    int nSelUnused;
+    std::vector<tagADDRNODE const*> vPrefList; // nodes of the last browsing answer of each level
+    std::vector<tagADDRNODE const*> vCityList; //   the postal-code lookups fill this one too
+    std::vector<tagADDRNODE const*> vTownList;
+    char const* pszLastOffice; // into the string area, or null
+    char szOffice[1000];       // copy of the last organisation's name, or "会社名なし"
+    unsigned short nSortType;
+    std::vector<tagADDRPNT> vRefineTree;
+    std::vector<tagADDRPNT> vPrefPnt;
+    std::vector<tagADDRPNT> vCityPnt;
+    std::vector<tagADDRPNT> vTownPnt;
+};
+
+#endif

@@ -1,0 +1,377 @@
+// The address record and the order of result lists.
+#include "dic/Addr.h"
+
+#include "dic/AddrDic.h"
+#include "dic/AddrKey.h"
+#include "dic/Suffix.h"
+#include "tree/AddrPnt.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <new>
+#include <string>
+
+namespace {
+
+using testing::Each;
+using testing::IsNull;
+
+// --- the record
+// -------------------------------------------------------------------------------------------------------
+
+static_assert(sizeof(void*) != 4 || (sizeof(tagADDR) == 80 && alignof(tagADDR) == 4));
+static_assert(offsetof(tagADDR, pszCodeExt) == 0 && offsetof(tagADDR, pszPostCode) == sizeof(void*));
+static_assert(offsetof(tagADDR, pszPref) == 2 * sizeof(void*) && offsetof(tagADDR, pszPrefKana) == 3 * sizeof(void*));
+static_assert(offsetof(tagADDR, pszCity) == 4 * sizeof(void*) && offsetof(tagADDR, pszCityKana) == 5 * sizeof(void*));
+static_assert(offsetof(tagADDR, pszTown) == 6 * sizeof(void*) && offsetof(tagADDR, pszTownKana) == 7 * sizeof(void*));
+static_assert(offsetof(tagADDR, pszAreaKana) == 9 * sizeof(void*));
+static_assert(offsetof(tagADDR, pszOfficeKana) == 11 * sizeof(void*));
+static_assert(offsetof(tagADDR, pszBlock) == 12 * sizeof(void*) &&
+              offsetof(tagADDR, pszBlockKana) == 13 * sizeof(void*));
+static_assert(offsetof(tagADDR, pszNote) == 14 * sizeof(void*) && offsetof(tagADDR, pPrefNode) == 16 * sizeof(void*));
+static_assert(offsetof(tagADDR, pCityNode) == 17 * sizeof(void*) &&
+              offsetof(tagADDR, pTownNode) == 18 * sizeof(void*));
+static_assert(offsetof(tagADDRPNT, pNode) == 0 && offsetof(tagADDRPNT, vChild) == sizeof(void*));
+static_assert(offsetof(tagADDRPNT, szName) == 4 * sizeof(void*) && sizeof(tagADDRPNT) == 4 * sizeof(void*) + 128);
+
+// Out of line, so that nothing after the end of the object's life can be optimised together with its destructor.
+__attribute__((noinline)) void Destroy(tagADDR* pAddr) {
+    pAddr->~tagADDR();
+}
+
+TEST(AddressRecord, IsAllZeroWhateverKindItIsMadeOf) {
+    alignas(tagADDR) unsigned char abMemory[sizeof(tagADDR)];
+    for (int nKind : {0, 5, -1}) {
+        std::fill(std::begin(abMemory), std::end(abMemory), static_cast<unsigned char>(0xAA));
+        auto* const pAddr = new (abMemory) tagADDR(nKind);
+        EXPECT_EQ(pAddr->nCityOrder, 0);
+        size_t const nFields = offsetof(tagADDR, nCityOrder) + sizeof(int); // 64 bits: padding behind the last field
+        EXPECT_THAT(std::vector<unsigned char>(abMemory, abMemory + nFields), Each(0)) << nKind;
+        Destroy(pAddr);
+    }
+}
+
+TEST(AddressRecord, MadeOfKindFiveHasNoCityOrder) {
+    EXPECT_EQ(tagADDR(5).nCityOrder, 0);
+}
+
+TEST(AddressRecord, LeavesOnlyZerosBehind) {
+    alignas(tagADDR) unsigned char abMemory[sizeof(tagADDR)];
+    auto* const pAddr = new (abMemory) tagADDR(0);
+    size_t const nFields = offsetof(tagADDR, nCityOrder) + sizeof(int);
+    std::memset(static_cast<void*>(abMemory), 0xAA, nFields);
+    Destroy(pAddr);
+    EXPECT_THAT(std::vector<unsigned char>(abMemory, abMemory + nFields), Each(0));
+}
+
+TEST(AddressRecord, IsCopiedWithAllItsFields) {
+    tagADDR addr(0);
+    std::memset(static_cast<void*>(&addr), 0x5A, sizeof addr);
+    tagADDR const copy(addr);
+    tagADDR assigned(0);
+    assigned = addr;
+    size_t const nFields = offsetof(tagADDR, nCityOrder) + sizeof(int);
+    EXPECT_EQ(std::memcmp(&copy, &addr, nFields), 0);
+    EXPECT_EQ(std::memcmp(&assigned, &addr, nFields), 0);
+}
+
+TEST(AddressRecord, CopiesATextWithItsNulAndReturnsThePlace) {
+    char szText[] = "xxxxxxxx";
+    EXPECT_EQ(tagADDR(0).StrCpy(szText, "abc"), szText);
+    EXPECT_EQ(std::string(szText, 8), std::string("abc\0xxxx", 8));
+}
+
+TEST(AddressRecord, CopiesNoTextFromNull) {
+    char szText[] = "xxxx";
+    EXPECT_THAT(tagADDR(0).StrCpy(szText, nullptr), IsNull());
+    EXPECT_STREQ(szText, "xxxx");
+}
+
+// --- the class of a city
+// ----------------------------------------------------------------------------------------------
+
+// Names of a double-byte encoding: each unit has two bytes, and a suffix is its first two.
+constexpr char SHI[] = "\xE5\xB8";
+constexpr char KU[] = "\xE5\x8C";
+constexpr char CHO[] = "\xE7\x94";
+constexpr char GUN[] = "\xE9\x83";
+constexpr char SHIMA[] = "\xE5\xB3";
+constexpr char MURA[] = "\xE6\x9D";
+constexpr char AGATA[] = "\xE5\xBA";
+
+// "." stands for a unit without meaning; the first two units are never looked at for a marker, nor is the one right
+// before the last.
+std::string Name(std::initializer_list<char const*> vUnit) {
+    std::string strName;
+    for (char const* psz : vUnit) strName += psz[0] == '.' ? "\x8A\x8A" : psz;
+    return strName;
+}
+
+char Letter(std::initializer_list<char const*> vUnit) {
+    return CityClassLetter(Name(vUnit).c_str());
+}
+
+TEST(CityClass, TestsTheSevenSuffixesByTheirUtf8Bytes) {
+    char const* const apszSuffix[] = {"市", "区", "町", "郡", "島", "村", "庁"};
+    char const* const apszUnit[] = {SHI, KU, CHO, GUN, SHIMA, MURA, AGATA};
+    for (int n = 0; n < SUFFIX_COUNT; ++n) {
+        EXPECT_EQ(std::string(suffix_table[n]), apszSuffix[n]);
+        EXPECT_EQ(std::string(suffix_table[n], 2), apszUnit[n]);
+    }
+}
+
+TEST(CityClass, OfNoNameIsA) {
+    EXPECT_EQ(CityClassLetter(nullptr), 'a');
+}
+
+TEST(CityClass, OfACityIsA) {
+    EXPECT_EQ(Letter({SHI}), 'a');
+    EXPECT_EQ(Letter({".", ".", GUN, ".", SHI}), 'a');
+}
+
+TEST(CityClass, OfAWardIsCBehindACityAndBElse) {
+    EXPECT_EQ(Letter({".", SHI, ".", KU}), 'c');
+    EXPECT_EQ(Letter({".", SHI, ".", ".", ".", ".", KU}), 'c') << "the scan goes back unit by unit";
+    EXPECT_EQ(Letter({".", ".", ".", KU}), 'b');
+    EXPECT_EQ(Letter({KU}), 'b');
+    EXPECT_EQ(Letter({".", GUN, ".", KU}), 'b') << "only a city counts";
+}
+
+TEST(CityClass, OfATownIsDInACountyFOnAnIslandAndHElse) {
+    EXPECT_EQ(Letter({".", GUN, ".", CHO}), 'd');
+    EXPECT_EQ(Letter({".", SHIMA, ".", CHO}), 'f');
+    EXPECT_EQ(Letter({".", AGATA, ".", CHO}), 'h');
+    EXPECT_EQ(Letter({".", ".", ".", CHO}), 'h');
+}
+
+TEST(CityClass, OfAVillageIsEInACountyFOnAnIslandGInADistrictAndHElse) {
+    EXPECT_EQ(Letter({".", GUN, ".", MURA}), 'e');
+    EXPECT_EQ(Letter({".", SHIMA, ".", MURA}), 'f');
+    EXPECT_EQ(Letter({".", AGATA, ".", MURA}), 'g');
+    EXPECT_EQ(Letter({".", SHI, ".", MURA}), 'h');
+    EXPECT_EQ(Letter({".", ".", ".", MURA}), 'h');
+}
+
+TEST(CityClass, IsDecidedByTheMarkerNearestToTheEnd) {
+    EXPECT_EQ(Letter({".", GUN, SHIMA, ".", CHO}), 'f');
+    EXPECT_EQ(Letter({".", SHIMA, GUN, ".", CHO}), 'd');
+    EXPECT_EQ(Letter({".", GUN, AGATA, ".", MURA}), 'g');
+    EXPECT_EQ(Letter({".", AGATA, SHIMA, ".", MURA}), 'f');
+}
+
+TEST(CityClass, IgnoresAMarkerAtTheVeryStart) {
+    EXPECT_EQ(Letter({SHI, ".", ".", KU}), 'b');
+    EXPECT_EQ(Letter({GUN, ".", ".", CHO}), 'h');
+    EXPECT_EQ(Letter({GUN, ".", ".", MURA}), 'h');
+}
+
+// With a name of seven bytes the one position in reach would be 1.
+TEST(CityClass, IgnoresAMarkerAtTheSecondByte) {
+    EXPECT_EQ(CityClassLetter((std::string("x") + SHI + ".." + KU).c_str()), 'b');
+    EXPECT_EQ(CityClassLetter((std::string("x") + GUN + ".." + CHO).c_str()), 'h');
+    EXPECT_EQ(CityClassLetter((std::string("x") + GUN + ".." + MURA).c_str()), 'h');
+}
+
+TEST(CityClass, IgnoresAMarkerRightBeforeTheSuffix) {
+    EXPECT_EQ(Letter({".", ".", ".", SHI, KU}), 'b');
+    EXPECT_EQ(Letter({".", ".", ".", GUN, CHO}), 'h');
+}
+
+TEST(CityClass, IgnoresAMarkerBetweenTwoUnits) {
+    EXPECT_EQ(CityClassLetter((std::string("..x") + GUN + "x.." + CHO).c_str()), 'h');
+}
+
+TEST(CityClass, OfANameTooShortForAMarkerIsThatOfItsEnd) {
+    for (size_t nUnits : {0u, 1u, 2u}) {
+        std::string strName(2 * nUnits, '.');
+        EXPECT_EQ(CityClassLetter((strName + KU).c_str()), 'b') << nUnits;
+        EXPECT_EQ(CityClassLetter((strName + CHO).c_str()), 'h') << nUnits;
+        EXPECT_EQ(CityClassLetter((strName + MURA).c_str()), 'h') << nUnits;
+    }
+}
+
+TEST(CityClass, OfAnyOtherEndIsH) {
+    EXPECT_EQ(Letter({".", GUN, ".", "."}), 'h');
+    EXPECT_EQ(Letter({".", ".", ".", GUN}), 'h');
+    EXPECT_EQ(CityClassLetter(""), 'h');
+    EXPECT_EQ(CityClassLetter("\xE5"), 'h');
+}
+
+// The end of a UTF-8 name is the last two of three bytes, which no suffix begins with.
+TEST(CityClass, OfARealNameIsH) {
+    for (char const* psz : {"札幌市", "千代田区", "札幌市中央区", "余市郡余市町", "利島村"})
+        EXPECT_EQ(CityClassLetter(psz), 'h') << psz;
+}
+
+// --- the order
+// --------------------------------------------------------------------------------------------------------
+
+tagADDR Addr(char const* pszPref, char const* pszCity = nullptr, char const* pszTown = nullptr,
+             char const* pszArea = nullptr, char const* pszOffice = nullptr) {
+    tagADDR addr(0);
+    addr.pszPref = pszPref;
+    addr.pszCity = pszCity;
+    addr.pszTown = pszTown;
+    addr.pszArea = pszArea;
+    addr.pszOffice = pszOffice;
+    return addr;
+}
+
+char const* const PREFECTURES[] = {"北海道", "青森県", "岩手県", "宮城県", "秋田県", "山形県",   "福島県", "茨城県",
+                                   "栃木県", "群馬県", "埼玉県", "千葉県", "東京都", "神奈川県", "新潟県", "富山県",
+                                   "石川県", "福井県", "山梨県", "長野県", "岐阜県", "静岡県",   "愛知県", "三重県",
+                                   "滋賀県", "京都府", "大阪府", "兵庫県", "奈良県", "和歌山県", "鳥取県", "島根県",
+                                   "岡山県", "広島県", "山口県", "徳島県", "香川県", "愛媛県",   "高知県", "福岡県",
+                                   "佐賀県", "長崎県", "熊本県", "大分県", "宮崎県", "鹿児島県", "沖縄県"};
+
+TEST(AddressOrder, KnowsThe47PrefecturesFromNorthToSouth) {
+    ASSERT_EQ(std::size(PREFECTURES), 47u);
+    for (size_t n = 0; n < 47; ++n) {
+        std::string const strCode = (n < 10 ? "0" : "") + std::to_string(n);
+        EXPECT_EQ(std::string(pref_order[n]), strCode);
+        EXPECT_EQ(std::string(pref_order[n] + 3), PREFECTURES[n]);
+        EXPECT_EQ(MakeSortKey(Addr(PREFECTURES[n])), strCode + PREFECTURES[n]);
+    }
+}
+
+TEST(AddressOrder, PadsTheRowsOfThePrefectureTableWithZeros) {
+    static_assert(sizeof pref_order == 47 * 16);
+    for (auto const& row : pref_order) {
+        size_t const nEnd = 3 + std::strlen(row + 3);
+        EXPECT_EQ(std::string(row + nEnd, row + 16), std::string(16 - nEnd, '\0')) << row + 3;
+    }
+}
+
+TEST(AddressOrder, GoesByPrefectureBeforeAnythingElse) {
+    for (size_t n = 1; n < 47; ++n) {
+        EXPECT_TRUE(Addr(PREFECTURES[n - 1], "龠", "龠") < Addr(PREFECTURES[n], "亜", "亜")) << PREFECTURES[n];
+        EXPECT_FALSE(Addr(PREFECTURES[n], "亜", "亜") < Addr(PREFECTURES[n - 1], "龠", "龠")) << PREFECTURES[n];
+    }
+}
+
+TEST(AddressOrder, PutsTokyoAfterHokkaidoWhateverTheCities) {
+    EXPECT_TRUE(Addr("北海道", "龠") < Addr("東京都", "A"));
+    EXPECT_FALSE(Addr("東京都", "A") < Addr("北海道", "龠"));
+}
+
+TEST(AddressOrder, PutsAPrefectureThatItDoesNotKnowLast) {
+    EXPECT_EQ(MakeSortKey(Addr("東京府", "芝区")), "東京府芝区");
+    EXPECT_TRUE(Addr("沖縄県", "龠") < Addr("東京府", "亜"));
+    EXPECT_TRUE(Addr("沖縄県", "龠") < Addr("東京", "亜")) << "a beginning is not a match";
+}
+
+TEST(AddressOrder, PutsAnAddressWithoutPrefectureLast) {
+    EXPECT_EQ(MakeSortKey(Addr(nullptr, "千代田区")), "千代田区");
+    for (char const* pszPref : PREFECTURES) EXPECT_TRUE(Addr(pszPref, "龠") < Addr(nullptr, "千代田区")) << pszPref;
+    EXPECT_FALSE(Addr(nullptr, "千代田区") < Addr("沖縄県", "龠"));
+}
+
+TEST(AddressOrder, GoesOnByCityTownAreaAndOrganisation) {
+    EXPECT_EQ(MakeSortKey(Addr("東京都", "港区", "芝", "１丁目", "会社")), "12東京都港区芝１丁目会社");
+    tagADDR const vAscending[] = {
+        Addr("東京都"),
+        Addr("東京都", "B"),
+        Addr("東京都", "B", "A"),
+        Addr("東京都", "B", "B", "C"),
+        Addr("東京都", "B", "B", "D", "A"),
+        Addr("東京都", "B", "B", "D", "B"),
+        Addr("東京都", "C"),
+    };
+    for (size_t n = 1; n < std::size(vAscending); ++n) {
+        EXPECT_TRUE(vAscending[n - 1] < vAscending[n]) << n;
+        EXPECT_FALSE(vAscending[n] < vAscending[n - 1]) << n;
+    }
+}
+
+TEST(AddressOrder, ComparesBytesWithoutSign) {
+    EXPECT_TRUE(Addr(nullptr, "z") < Addr(nullptr, "亜"));
+    EXPECT_FALSE(Addr(nullptr, "亜") < Addr(nullptr, "z"));
+}
+
+TEST(AddressOrder, LooksAtNoOtherField) {
+    tagADDRNODE const node = {};
+    tagADDR addr = Addr("東京都", "港区", "芝");
+    tagADDR const plain = addr;
+    addr.pszPostCode = addr.pszCodeExt = addr.pszPrefKana = addr.pszCityKana = addr.pszTownKana = "x";
+    addr.pszAreaKana = addr.pszOfficeKana = addr.pszBlock = addr.pszBlockKana = addr.pszNote = "x";
+    addr.pListCity = addr.pPrefNode = addr.pCityNode = addr.pTownNode = &node;
+    EXPECT_EQ(MakeSortKey(addr), MakeSortKey(plain));
+}
+
+TEST(AddressOrder, HoldsEqualTextsForEqual) {
+    std::string const strCopy = "東京都";
+    EXPECT_FALSE(Addr("東京都", "港区") < Addr(strCopy.c_str(), "港区"));
+    EXPECT_FALSE(Addr(strCopy.c_str(), "港区") < Addr("東京都", "港区"));
+    EXPECT_FALSE(Addr(nullptr) < Addr(nullptr));
+}
+
+TEST(AddressOrder, DoesNotSeeWhereOneTextEndsAndTheNextBegins) {
+    tagADDR const first = Addr("東京都", "XY", "Z");
+    tagADDR const second = Addr("東京都", "X", "YZ");
+    EXPECT_EQ(MakeSortKey(first), MakeSortKey(second));
+    EXPECT_FALSE(first < second);
+    EXPECT_FALSE(second < first);
+}
+
+TEST(AddressOrder, PutsTheCityClassInFrontOfTheCityOnRequest) {
+    std::string const strTown = Name({".", GUN, ".", CHO});
+    tagADDR addr = Addr("東京都", strTown.c_str(), "芝");
+    EXPECT_EQ(MakeSortKey(addr), "12東京都" + strTown + "芝");
+    for (int nOrder : {1, -1, 256}) {
+        addr.nCityOrder = nOrder;
+        EXPECT_EQ(MakeSortKey(addr), "12東京都d" + strTown + "芝");
+    }
+    addr.pszCity = nullptr;
+    EXPECT_EQ(MakeSortKey(addr), "12東京都a芝");
+}
+
+TEST(AddressOrder, AsksEachRecordForItsOwnCityClass) {
+    std::string const strWard = Name({".", ".", ".", KU}); // class b, and its bytes are above every letter
+    tagADDR plain = Addr("東京都", strWard.c_str());
+    tagADDR classed = plain;
+    classed.nCityOrder = 1;
+    EXPECT_TRUE(classed < plain);
+    EXPECT_FALSE(plain < classed);
+}
+
+// --- the order of display entries
+// ---------------------------------------------------------------------------------------
+
+TEST(DisplayOrder, GoesByNameOnly) {
+    tagADDRNODE const node = {};
+    tagADDRPNT a, b;
+    std::strcpy(a.szName, "12東京都");
+    std::strcpy(b.szName, "13神奈川県");
+    EXPECT_TRUE(a < b);
+    EXPECT_FALSE(b < a);
+    std::strcpy(b.szName, "12東京都");
+    b.pNode = &node;
+    b.vChild.resize(1);
+    EXPECT_FALSE(a < b);
+    EXPECT_FALSE(b < a);
+}
+
+TEST(DisplayOrder, ComparesBytesWithoutSign) {
+    tagADDRPNT a, b;
+    std::strcpy(a.szName, "z");
+    std::strcpy(b.szName, "亜");
+    EXPECT_TRUE(a < b);
+    EXPECT_FALSE(b < a);
+}
+
+TEST(DisplayOrder, DoesNotReadBeyondANameThatFillsItsField) {
+    std::vector<tagADDRPNT> vPnt(4);
+    for (tagADDRPNT& pnt : vPnt) std::fill(std::begin(pnt.szName), std::end(pnt.szName), 'a');
+    vPnt[0].pNode = vPnt[2].pNode = nullptr;
+    tagADDRNODE const node = {};
+    vPnt[1].pNode = &node; // stands right behind the name of entry 0
+    EXPECT_FALSE(vPnt[0] < vPnt[2]);
+    EXPECT_FALSE(vPnt[2] < vPnt[0]);
+    vPnt[2].szName[127] = 'b';
+    EXPECT_TRUE(vPnt[0] < vPnt[2]);
+    vPnt[2].szName[127] = '\0';
+    EXPECT_TRUE(vPnt[2] < vPnt[0]);
+}
+
+} // namespace
