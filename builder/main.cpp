@@ -1,0 +1,225 @@
+// qeadrs-dic - the dictionary compiler: compiles, fetches and shows dictionaries.
+#include "builder/Compiler.h"
+#include "builder/DictionaryFile.h"
+#include "builder/Error.h"
+#include "builder/Fetch.h"
+#include "builder/ReplaceFile.h"
+#include "builder/Skk.h"
+#include "builder/Source.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <exception>
+#include <iomanip>
+#include <iostream>
+#include <new>
+#include <string>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+using namespace qe;
+
+namespace {
+
+enum EExit { EXIT_DONE = 0, EXIT_FAILED = 1, EXIT_USAGE = 2 };
+
+struct CBuildOptions {
+    std::string strTowns, strOffices, strSkk, strOutput, strEdition;
+    bool bSample = false;
+    bool bJson = false;
+    bool bQuiet = false;
+    bool bVerbose = false;
+    bool bProgress = isatty(STDERR_FILENO) != 0;
+};
+
+volatile std::sig_atomic_t bStopped = 0;
+
+extern "C" void OnStopSignal(int) {
+    bStopped = 1;
+}
+
+// Says on stderr what is being done; on a terminal only, unless asked for.
+class CProgress {
+  public:
+    explicit CProgress(bool bShown) : m_bShown(bShown) {}
+    void Say(std::string const& str) const {
+        if (m_bShown) std::cerr << str << std::endl;
+    }
+
+  private:
+    bool m_bShown;
+};
+
+void PrintStatistics(CStatistics const& statistics, CBuildOptions const& options, nlohmann::ordered_json summary) {
+    if (options.bVerbose)
+        for (std::string const& strRemark : statistics.Remarks()) std::cerr << strRemark << '\n';
+    if (options.bJson) {
+        for (auto const& [strName, nCount] : statistics.Counts()) summary["counts"][strName] = nCount;
+        summary["remarks"] = statistics.Remarks();
+        std::cout << summary.dump() << '\n';
+        return;
+    }
+    if (options.bQuiet) return;
+    for (auto const& [strName, value] : summary.items())
+        std::cout << std::left << std::setw(40) << strName << value.get<std::string>() << '\n';
+    for (auto const& [strName, nCount] : statistics.Counts()) {
+        std::string strLabel = strName;
+        std::replace(strLabel.begin(), strLabel.end(), '_', ' ');
+        std::cout << std::left << std::setw(40) << strLabel << std::right << std::setw(10) << nCount << '\n';
+    }
+    if (!statistics.Remarks().empty() && !options.bVerbose)
+        std::cout << statistics.Remarks().size() << " remarks on single rows; --verbose lists them.\n";
+}
+
+std::string Describe(CSource const& source) {
+    return source.Name() + ", " + EncodingName(source.nEncoding) +
+           (source.nEdition != 0 ? ", " + EditionText(source.nEdition) : "");
+}
+
+// The rows of the official tables into the compiler. Returns the newest edition among the files.
+uint32_t AddOfficialTables(CBuildOptions const& options, CProgress const& progress, CCompiler& compiler,
+                           CStatistics& statistics, nlohmann::ordered_json& summary) {
+    progress.Say("reading " + options.strTowns);
+    CSource const towns = ReadSource(options.strTowns);
+    summary["towns"] = Describe(towns);
+    CTownTable const table = ReadTownTable(towns);
+    statistics["town_lines"] = table.nLines;
+    statistics["lines_joined"] = table.nJoined;
+    compiler.AddTowns(table.vRow, towns.Name());
+    if (options.strOffices.empty()) return towns.nEdition;
+    progress.Say("reading " + options.strOffices);
+    CSource const offices = ReadSource(options.strOffices);
+    summary["offices"] = Describe(offices);
+    compiler.AddOffices(ReadOfficeTable(offices), offices.Name());
+    return std::max(towns.nEdition, offices.nEdition);
+}
+
+uint32_t AddSkkTables(CBuildOptions const& options, CProgress const& progress, CCompiler& compiler,
+                      CStatistics& statistics, nlohmann::ordered_json& summary) {
+    progress.Say("reading " + options.strSkk);
+    CSkkTables const tables = ReadSkkTables(options.strSkk);
+    summary["towns"] = tables.strTownSource + ", " + EncodingName(EEncoding::EucJis2004);
+    if (!tables.strOfficeSource.empty()) summary["offices"] = tables.strOfficeSource;
+    statistics["entries_left_out"] = tables.nLeftOut;
+    compiler.AddTowns(tables.vTown, tables.strTownSource);
+    compiler.AddOffices(tables.vOffice, tables.strOfficeSource);
+    return tables.nEdition;
+}
+
+void Build(CBuildOptions const& options) {
+    CProgress const progress(options.bProgress && !options.bQuiet);
+    CStatistics statistics;
+    CCompiler compiler(statistics);
+    nlohmann::ordered_json summary;
+    bool const bSkk = !options.strSkk.empty();
+    uint32_t nEdition = (bSkk ? AddSkkTables : AddOfficialTables)(options, progress, compiler, statistics, summary);
+    if (!options.strEdition.empty()) nEdition = ReadEdition(options.strEdition);
+    progress.Say("compiling");
+    CImage const image = compiler.Compile(nEdition, bSkk              ? ESource::Skk
+                                                    : options.bSample ? ESource::Sample
+                                                                      : ESource::Official);
+    progress.Say("writing " + options.strOutput);
+    ReplaceFile(options.strOutput, image.vByte);
+    summary["edition"] = EditionText(nEdition);
+    summary["dictionary"] = options.strOutput;
+    PrintStatistics(statistics, options, summary);
+}
+
+void AddBuild(CLI::App& app, CBuildOptions& options) {
+    CLI::App* const pBuild = app.add_subcommand("build", "compile a dictionary");
+    auto* const pTowns =
+        pBuild->add_option("--towns", options.strTowns, "town table: utf_ken_all or ken_all, zip or CSV");
+    auto* const pOffices =
+        pBuild->add_option("--offices", options.strOffices, "organisation table: jigyosyo, zip or CSV");
+    auto* const pSkk =
+        pBuild->add_option("--skk", options.strSkk, "folder of SKK-JISYO.zipcode, instead of the tables");
+    pTowns->excludes(pSkk);
+    pOffices->excludes(pSkk)->needs(pTowns);
+    pBuild->add_option("-o,--output", options.strOutput, "the dictionary file, replaced as a whole")->required();
+    pBuild->add_option("--edition", options.strEdition, "edition date, 2026-05 or 2026-05-29 (default: of the zip)");
+    pBuild->add_flag("--sample", options.bSample, "mark the dictionary as compiled from sample data");
+    pBuild->add_flag("--json", options.bJson, "statistics as one JSON object");
+    pBuild->add_flag("-q,--quiet", options.bQuiet, "no statistics");
+    pBuild->add_flag("-v,--verbose", options.bVerbose, "name every row that was cut or left out");
+    pBuild->add_flag("--progress,!--no-progress", options.bProgress,
+                     "say what is being done (default: on a terminal)");
+    pBuild->callback([&options] {
+        if (options.strTowns.empty() && options.strSkk.empty()) throw CLI::RequiredError("--towns or --skk");
+        Build(options);
+    });
+}
+
+void AddFetch(CLI::App& app, CFetchOptions& options) {
+    CLI::App* const pFetch = app.add_subcommand("fetch", "download the two official files");
+    options.bProgress = isatty(STDERR_FILENO) != 0;
+    pFetch->add_option("-d,--dir", options.strDir, "folder for the files")->required();
+    pFetch->add_option("--base", options.strBase, "address to download from instead of the official one");
+    pFetch->add_option("--tries", options.nTries, "attempts for each file")->check(CLI::Range(1, 20));
+    pFetch->add_option("--connect-timeout", options.nConnectSeconds, "seconds to wait for a connection")
+        ->check(CLI::Range(1, 600));
+    pFetch->add_flag("--progress,!--no-progress", options.bProgress, "show progress (default: on a terminal)");
+    pFetch->callback([&options] {
+        // An interrupted download cleans up after itself before the program ends.
+        options.pStop = &bStopped;
+        std::signal(SIGINT, OnStopSignal);
+        std::signal(SIGTERM, OnStopSignal);
+        for (CFetchedFile const& file : FetchOfficialFiles(options, std::cerr))
+            std::cout << file.strPath << '\t' << file.nBytes << '\n';
+    });
+}
+
+struct CShowOptions {
+    std::string strFile;
+    unsigned nLevel = LEVEL_OFFICE;
+    bool bJson = false;
+};
+
+void AddShow(CLI::App& app, CShowOptions& options) {
+    CLI::App* const pInfo = app.add_subcommand("info", "header, counts, edition and sizes of a dictionary");
+    pInfo->add_option("FILE", options.strFile, "the dictionary")->required();
+    pInfo->add_flag("--json", options.bJson, "as one JSON object");
+    pInfo->callback([&options] { PrintInfo(CDictionaryFile(options.strFile), options.bJson, std::cout); });
+    CLI::App* const pDump = app.add_subcommand("dump", "the tree of a dictionary as text");
+    pDump->add_option("FILE", options.strFile, "the dictionary")->required();
+    pDump->add_option("--level", options.nLevel, "down to this level: 0 prefecture ... 7 organisation")
+        ->check(CLI::Range(0, 7));
+    pDump->callback([&options] { PrintTree(CDictionaryFile(options.strFile), options.nLevel, std::cout); });
+}
+
+int Run(int nArguments, char** ppszArgument) {
+    CLI::App app("qeadrs-dic - compile and inspect postal address dictionaries\n"
+                 "Exit: 0 done, 1 failed (the old dictionary is untouched), 2 usage.");
+    app.require_subcommand(1);
+    app.set_version_flag("--version", QEADRS_VERSION);
+    CBuildOptions buildOptions;
+    CFetchOptions fetchOptions;
+    CShowOptions showOptions;
+    AddBuild(app, buildOptions);
+    AddFetch(app, fetchOptions);
+    AddShow(app, showOptions);
+    try {
+        app.parse(nArguments, ppszArgument);
+        std::cout.flush();
+        if (!std::cout) throw CBuildError("the output cannot be written.");
+    } catch (CLI::ParseError const& error) {
+        return app.exit(error) == 0 ? EXIT_DONE : EXIT_USAGE;
+    }
+    return EXIT_DONE;
+}
+
+} // namespace
+
+int main(int nArguments, char** ppszArgument) {
+    std::signal(SIGXFSZ, SIG_IGN); // a file-size limit is reported like a full disk
+    try {
+        return Run(nArguments, ppszArgument);
+    } catch (std::bad_alloc const&) {
+        std::cerr << "qeadrs-dic: not enough memory.\n";
+    } catch (std::exception const& error) {
+        std::cerr << "qeadrs-dic: " << error.what() << '\n';
+    }
+    return EXIT_FAILED;
+}
