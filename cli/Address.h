@@ -1,0 +1,44 @@
+// Address.h - one address as the commands print it: a text for each column, "" where the address has none.
+#ifndef QEADRS_CLI_ADDRESS_H
+#define QEADRS_CLI_ADDRESS_H
+
+#include "cli/Dictionary.h"
+#include "cli/Output.h"
+
+#include <string>
+#include <vector>
+
+namespace qe {
+
+// The columns in their order, which never changes: programs count them. Readings come last and only on demand.
+enum EColumn : size_t {
+    COL_CODE,
+    COL_OLD_CODE,
+    COL_PREF,
+    COL_CITY,
+    COL_TOWN,
+    COL_AREA,
+    COL_BUILDING,
+    COL_FLOOR,
+    COL_OFFICE,
+    COL_PREF_KANA,
+    COL_CITY_KANA,
+    COL_TOWN_KANA,
+    COL_AREA_KANA,
+    COL_BUILDING_KANA,
+    COL_OFFICE_KANA,
+    COL_COUNT,
+};
+
+// The names of the columns, with or without those of the readings.
+std::vector<std::string> AddressColumns(bool bKana);
+
+// An address out of the class's answers, all columns.
+CRow MakeAddress(CDictionary const& dictionary, tagADDR const& addr);
+
+// The address cut to the columns of AddressColumns.
+CRow AddressRow(CRow address, bool bKana);
+
+} // namespace qe
+
+#endif

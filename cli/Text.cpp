@@ -1,0 +1,111 @@
+// Text.cpp - folding, cleaning and measuring of UTF-8 texts, over utf8proc.
+#include "cli/Text.h"
+
+#include <cstdlib>
+#include <memory>
+#include <new>
+
+#include <utf8proc.h>
+
+namespace qe {
+
+namespace {
+
+constexpr utf8proc_int32_t POSTAL_MARK = 0x3012;      // 〒
+constexpr utf8proc_int32_t POSTAL_MARK_FACE = 0x3020; // 〠
+constexpr utf8proc_int32_t LONG_VOWEL = 0x30FC;       // ー, what the hyphen key types in a Japanese input method
+constexpr utf8proc_int32_t MINUS = 0x2212;            // −
+constexpr utf8proc_int32_t BOX_LINE = 0x2500;         // ─, and its heavy form behind it
+constexpr utf8proc_int32_t REPLACEMENT = 0xFFFD;
+constexpr int LONGEST_QUOTE = 40;
+
+// Takes the first character off a text; -1 for a byte that begins none, and takes that byte alone.
+utf8proc_int32_t TakeCharacter(std::string_view& strText) {
+    utf8proc_int32_t nChar = -1;
+    utf8proc_ssize_t const nBytes = utf8proc_iterate(reinterpret_cast<utf8proc_uint8_t const*>(strText.data()),
+                                                     static_cast<utf8proc_ssize_t>(strText.size()), &nChar);
+    strText.remove_prefix(nBytes > 0 ? static_cast<size_t>(nBytes) : 1);
+    return nBytes > 0 ? nChar : -1;
+}
+
+void Append(std::string& str, utf8proc_int32_t nChar) {
+    utf8proc_uint8_t abChar[4];
+    utf8proc_ssize_t const nBytes = utf8proc_encode_char(nChar, abChar);
+    str.append(reinterpret_cast<char const*>(abChar), static_cast<size_t>(nBytes));
+}
+
+// The compatibility form of a text: full-width and half-width forms become the usual ones. Nothing when not UTF-8.
+std::optional<std::string> Normalise(std::string_view strText) {
+    utf8proc_uint8_t* pResult = nullptr;
+    utf8proc_ssize_t const nBytes = utf8proc_map(
+        reinterpret_cast<utf8proc_uint8_t const*>(strText.data()), static_cast<utf8proc_ssize_t>(strText.size()),
+        &pResult, static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_COMPAT | UTF8PROC_COMPOSE));
+    std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> const pOwner(pResult, &std::free);
+    if (nBytes == UTF8PROC_ERROR_NOMEM) throw std::bad_alloc();
+    if (nBytes < 0) return std::nullopt;
+    return std::string(reinterpret_cast<char const*>(pResult), static_cast<size_t>(nBytes));
+}
+
+// Cf has no width: byte order marks, joiners and direction marks come along when a code is copied from a web page.
+bool IsSpace(utf8proc_int32_t nChar) {
+    utf8proc_category_t const nCategory = utf8proc_category(nChar);
+    return nCategory == UTF8PROC_CATEGORY_ZS || nCategory == UTF8PROC_CATEGORY_CF || nChar == '\t' || nChar == '\r';
+}
+
+// REQUIRES: nChar is in its compatibility form.
+bool IsDress(utf8proc_int32_t nChar) {
+    return IsSpace(nChar) || nChar == '-' || (nChar >= 0x2010 && nChar <= 0x2015) || nChar == MINUS ||
+           nChar == LONG_VOWEL || nChar == BOX_LINE || nChar == BOX_LINE + 1 || nChar == POSTAL_MARK ||
+           nChar == POSTAL_MARK_FACE;
+}
+
+} // namespace
+
+std::optional<std::string> FoldCode(std::string_view strText) {
+    std::optional<std::string> const strPlain = Normalise(strText);
+    if (!strPlain) return std::nullopt;
+    std::string strCode;
+    for (std::string_view strRest = *strPlain; !strRest.empty();) {
+        utf8proc_int32_t const nChar = TakeCharacter(strRest);
+        if (nChar >= '0' && nChar <= '9')
+            strCode += static_cast<char>(nChar);
+        else if (!IsDress(nChar))
+            return std::nullopt;
+    }
+    return strCode.empty() ? std::nullopt : std::optional(strCode);
+}
+
+bool IsBlank(std::string_view strText) {
+    while (!strText.empty()) {
+        utf8proc_int32_t const nChar = TakeCharacter(strText);
+        if (nChar < 0 || !IsSpace(nChar)) return false;
+    }
+    return true;
+}
+
+std::string Clean(std::string_view strText) {
+    std::string strClean;
+    while (!strText.empty()) {
+        utf8proc_int32_t const nChar = TakeCharacter(strText);
+        utf8proc_category_t const nCategory = utf8proc_category(nChar);
+        bool const bBlank = nCategory == UTF8PROC_CATEGORY_CC || nCategory == UTF8PROC_CATEGORY_ZL ||
+                            nCategory == UTF8PROC_CATEGORY_ZP;
+        Append(strClean, nChar < 0 ? REPLACEMENT : bBlank ? ' ' : nChar);
+    }
+    return strClean;
+}
+
+std::string Quote(std::string_view strText) {
+    std::string const strClean = Clean(strText);
+    std::string_view strRest = strClean;
+    for (int i = 0; i < LONGEST_QUOTE && !strRest.empty(); ++i) TakeCharacter(strRest);
+    return '"' + strClean.substr(0, strClean.size() - strRest.size()) + (strRest.empty() ? "\"" : "...\"");
+}
+
+size_t DisplayWidth(std::string_view strText) {
+    size_t nWidth = 0;
+    while (!strText.empty()) nWidth += static_cast<size_t>(utf8proc_charwidth(TakeCharacter(strText)));
+    return nWidth;
+}
+
+} // namespace qe

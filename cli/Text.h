@@ -1,0 +1,34 @@
+// Text.h - texts as people type them and as a terminal shows them. All texts are UTF-8.
+#ifndef QEADRS_CLI_TEXT_H
+#define QEADRS_CLI_TEXT_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qe {
+
+// The digits of a postal code in any dress: "１００－０００１", "〒100 0001" and "100ー0001" are "1000001".
+// Full-width forms count as their ASCII forms; postal marks, hyphens, dashes, long vowel marks and blanks are
+// dropped. Nothing when any other character is there (a "〜" or a comma may well mean two codes), when no digit is,
+// and when it is not UTF-8.
+std::optional<std::string> FoldCode(std::string_view strText);
+
+// Nothing but blanks, of any width; also the empty text.
+bool IsBlank(std::string_view strText);
+
+// The same text fit for one cell of a line: a control character or line separator becomes a blank, a byte that is not
+// UTF-8 becomes U+FFFD.
+std::string Clean(std::string_view strText);
+
+// A text for a message: clean, in quotation marks, cut after 40 characters.
+std::string Quote(std::string_view strText);
+
+// Columns that a text takes on a terminal: east-asian wide characters two, combining marks none, all others one.
+// REQUIRES: valid UTF-8, as Clean returns it.
+size_t DisplayWidth(std::string_view strText);
+
+} // namespace qe
+
+#endif
