@@ -1,0 +1,44 @@
+// Benchmarks.h - the two families of benchmarks, registered with Google Benchmark by main.
+#ifndef QEADRS_BENCH_BENCHMARKS_H
+#define QEADRS_BENCH_BENCHMARKS_H
+
+#include "bench/Child.h"
+#include "bench/SqliteTable.h"
+#include "bench/World.h"
+
+#include <iosfwd>
+#include <string>
+
+// The tables that the dictionary compiler compiles.
+struct CSources {
+    std::string strTowns;
+    std::string strOffices;
+    bool bSample; // the repository's sample, not an edition
+};
+
+// Everything is made before the first measurement and lives until after the last.
+struct CBench {
+    CBenchDictionary& dictionary;
+    CSqlite& memory;         // the rows in a database in memory ...
+    CSqlite& file;           // ... and in a file
+    std::string strTable;    // path of that file
+    CSources sources;        // what the compiler compiles ...
+    std::string strCompiled; // ... and where it writes the dictionary
+    CCodes codes7;           // every code
+    CCodes codes5;           // samples of leading parts and of old codes, small enough to go round several times in
+    CCodes codes3;           //   each measurement, so that both sides are asked the same
+    CCodes oldCodes;         //
+    CChildRunner& runner;
+};
+
+// Compares what both sides answer, tells how often they agree, and throws when a lookup by 7-digit code or by a
+// leading part differs: then the ratios would compare different work. REQUIRES: a CProfile in force.
+void CheckAnswers(CBench& bench, std::ostream& out);
+
+void RegisterLookups(CBench& bench);
+void RegisterOpenAndCompile(CBench& bench);
+
+// Starts the dictionary compiler; returns its peak memory and throws when it fails.
+CChildUsage CompileDictionary(CChildRunner& runner, CSources const& sources, std::string const& strOutput);
+
+#endif

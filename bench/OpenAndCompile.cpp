@@ -1,0 +1,78 @@
+// OpenAndCompile.cpp - what happens once per process or once per edition: from closed to the first answer, and from
+// the source tables to the dictionary.
+#include "bench/Benchmarks.h"
+
+#include "api/Pstexec.h"
+
+#include <algorithm>
+
+#include <benchmark/benchmark.h>
+
+CChildUsage CompileDictionary(CChildRunner& runner, CSources const& sources, std::string const& strOutput) {
+    std::vector<std::string> vArgument = {
+        BENCH_COMPILER_PROGRAM, "build",    "--towns", sources.strTowns, "--offices",
+        sources.strOffices,     "--output", strOutput, "--quiet",        "--no-progress"};
+    if (sources.bSample) vArgument.push_back("--sample");
+    return runner.Run(vArgument);
+}
+
+namespace {
+
+// Profile, mapping, search, block, free, unmapping; the file is in the page cache.
+void OpenOurs(benchmark::State& state, CBench& bench) {
+    size_t n = 0;
+    for (auto _ : state) {
+        HGLOBAL h = nullptr;
+        if (PstAdrOpen() != 0 || GetAdrFromZip(bench.codes7[n].szCode, &h) != 0) {
+            state.SkipWithError("no answer");
+            break;
+        }
+        GlobalFree(h);
+        PstAdrClose();
+        if (++n == bench.codes7.size()) n = 0;
+    }
+}
+
+void OpenSqlite(benchmark::State& state, CBench& bench) {
+    size_t n = 0;
+    std::vector<char> vText;
+    for (auto _ : state) {
+        CSqlite const db(bench.strTable, true);
+        CStatement select(db, SQL_BY_CODE);
+        select.Bind(1, bench.codes7[n].szCode);
+        if (select.CopyRows(vText) == 0) {
+            state.SkipWithError("no answer");
+            break;
+        }
+        if (++n == bench.codes7.size()) n = 0;
+    }
+}
+
+// The whole command, from the archives to the checked and renamed file.
+void CompileOurs(benchmark::State& state, CBench& bench) {
+    long nPeakKb = 0;
+    for (auto _ : state) {
+        CChildUsage const usage = CompileDictionary(bench.runner, bench.sources, bench.strCompiled);
+        nPeakKb = std::max(nPeakKb, usage.nPeakKb);
+    }
+    state.counters["peak_MB"] = static_cast<double>(nPeakKb) / 1000;
+}
+
+// Only the last step of the same work: rows that are already there, as texts in memory, into an indexed file.
+void ImportSqlite(benchmark::State& state, CBench& bench) {
+    for (auto _ : state) MakeTableFile(bench.strTable + "-import", bench.dictionary.Rows());
+}
+
+} // namespace
+
+void RegisterOpenAndCompile(CBench& bench) {
+    using benchmark::RegisterBenchmark;
+    RegisterBenchmark("open_to_first_answer/PstAdrOpen", [&](benchmark::State& state) { OpenOurs(state, bench); });
+    RegisterBenchmark("open_to_first_answer/sqlite_file", [&](benchmark::State& state) { OpenSqlite(state, bench); });
+    RegisterBenchmark("compile/qeadrs_dic", [&](benchmark::State& state) { CompileOurs(state, bench); })
+        ->UseRealTime()
+        ->Unit(benchmark::kMillisecond);
+    RegisterBenchmark("compile/sqlite_file", [&](benchmark::State& state) { ImportSqlite(state, bench); })
+        ->UseRealTime()
+        ->Unit(benchmark::kMillisecond);
+}
