@@ -1,0 +1,54 @@
+#!/bin/sh
+# check.sh - installs, builds and tests everything: release, i386 and asan, formatting, and the whole national data
+# when they are there (QEADRS_SOURCE, else ../shared/japanpost).
+set -eu
+cd "$(dirname "$0")"
+. scripts/packages.sh
+
+PRESETS=${QEADRS_PRESETS:-release i386 asan}
+JOBS=$(nproc)
+DATA=$PWD/build/national
+
+# shellcheck disable=SC2086
+install_packages $PACKAGES_BUILD $PACKAGES_CHECK || fail "the packages above could not be installed."
+case " $PRESETS " in
+*" i386 "*)
+    enable_i386
+    # shellcheck disable=SC2086
+    install_packages $PACKAGES_I386 || fail "$PACKAGES_I386 could not be installed: the 32-bit platform layer needs it."
+    ;;
+esac
+
+SOURCE=${QEADRS_SOURCE:-}
+[ -n "$SOURCE" ] || [ ! -f ../shared/japanpost/utf_ken_all.zip ] || SOURCE=$(cd ../shared/japanpost && pwd)
+
+# configure PRESET DATA_FOLDER
+configure() {
+    cmake --preset "$1" -DQEADRS_WERROR=ON -DQEADRS_TESTS=ON -DQEADRS_TEST_DATA="$2" >build/configure.log ||
+        { cat build/configure.log; fail "preset $1 cannot be configured."; }
+}
+
+mkdir -p build
+TEST_DATA=
+if [ -n "$SOURCE" ]; then
+    say "whole-data tests: with the national data of $SOURCE"
+    configure release ""
+    cmake --build --preset release --target qeadrs-dic -j "$JOBS"
+    tests/national/prepare.sh "$SOURCE" build/release "$DATA"
+    TEST_DATA=$DATA
+else
+    say "whole-data tests: NONE, because neither QEADRS_SOURCE nor ../shared/japanpost has the official tables"
+fi
+
+for preset in $PRESETS; do
+    say "$preset: building"
+    configure "$preset" "$TEST_DATA"
+    cmake --build --preset "$preset" -j "$JOBS"
+    if [ "$preset" = release ]; then
+        say "formatting"
+        cmake --build --preset release --target format-check
+    fi
+    say "$preset: testing"
+    ctest --preset "$preset" -j "$JOBS"
+done
+say "all checks passed: $PRESETS${TEST_DATA:+, with the whole national data}"
