@@ -2,7 +2,7 @@
 # quickstart.sh [CODE...] - from a bare Debian 12 machine to the addresses of a postal code (default 100-0001).
 #
 # Installs what is missing, builds, compiles a dictionary from the best source within reach, writes a profile that
-# points at it, and answers. Run it again at any time: it only does what is still to be done.
+# points at it, and answers. Run it again at any time: what is installed and built stays.
 #   QEADRS_SOURCE=DIR   folder with utf_ken_all.zip (or ken_all.zip, or their CSV) and jigyosyo.zip (or JIGYOSYO.CSV)
 #   QEADRS_HOME=DIR     where the dictionary and fetched files live (default ~/.local/share/qeadrs)
 set -eu
@@ -48,7 +48,7 @@ from_named_folder() {
 }
 
 from_fetched_files() {
-    [ -d "$FETCHED" ] || { say "source: no files fetched earlier ($FETCHED)"; return 1; }
+    [ -f "$FETCHED/utf_ken_all.zip" ] || { say "source: no files fetched earlier in $FETCHED"; return 1; }
     say "source: files fetched earlier, in $FETCHED"
     compile_tables "$FETCHED" || return 1
     WHAT="official tables fetched earlier into $FETCHED"

@@ -72,7 +72,7 @@ TEST_F(QeadrsOutput, AnswersWhoeverTypesLineByLine) {
     pid_t const nProcess = StartCommand(WithDic(Sample(), {}), terminal.hSlave, terminal.hSlave, hError);
     terminal.hSlave = CHandle();
     WriteAll(terminal.hMaster, "1000001\n");
-    EXPECT_EQ(ReadUntil(terminal.hMaster, "千代田\n"), "postal code  old code  prefecture  city      town\n"
+    ASSERT_EQ(ReadUntil(terminal.hMaster, "千代田\n"), "postal code  old code  prefecture  city      town\n"
                                                        "1000001      100       東京都      千代田区  千代田\n");
     WriteAll(terminal.hMaster, "\x04");
     EXPECT_EQ(Wait(nProcess), 0);

@@ -305,9 +305,9 @@ TEST_F(QeadrsZip, AnswersALineBeforeTheNextOneIsWritten) {
     pid_t const nProcess = StartCommand(WithDic(Sample(), {}), input.hRead, output.hWrite, hNull);
     output.hWrite = CHandle();
     WriteAll(input.hWrite, "1000001\n");
-    EXPECT_EQ(ReadUntil(output.hRead, "\n"), CHIYODA);
+    ASSERT_EQ(ReadUntil(output.hRead, "\n"), CHIYODA);
     WriteAll(input.hWrite, "9806190\n");
-    EXPECT_EQ(ReadUntil(output.hRead, "\n"), "9806190\t980\t宮城県\t仙台市青葉区\t中央\t\tアエル\t\t\n");
+    ASSERT_EQ(ReadUntil(output.hRead, "\n"), "9806190\t980\t宮城県\t仙台市青葉区\t中央\t\tアエル\t\t\n");
     input.hWrite = CHandle();
     EXPECT_EQ(Wait(nProcess), 0);
 }
