@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstring>
+#include <limits>
 #include <new>
 #include <string>
 #include <vector>
@@ -177,7 +178,8 @@ short PstAdrOpen() {
     hDicFile = open(szPath, O_RDONLY);
     struct stat status = {}; // a failed stat leaves size 0, which cannot be mapped
     stat(szPath, &status);
-    auto const nSize = static_cast<size_t>(status.st_size);
+    // A file that this process cannot address is as good as none.
+    auto const nSize = static_cast<size_t>(status.st_size <= std::numeric_limits<long>::max() ? status.st_size : 0);
     void* const pMapping = mmap(nullptr, nSize, PROT_READ, MAP_SHARED, hDicFile, 0);
     if (pMapping == MAP_FAILED) {
         close(hDicFile);

@@ -12,8 +12,9 @@
 //
 // Dictionary  The file qeadrs.dic in the folder that the profile names: section General, key DicDir (QeProfile.h says
 //             where the profile is). An absent key means the root folder.
-// Texts       UTF-8, NUL-terminated. Codes are ASCII digits; hyphens, blanks and other characters between them are
-//             ignored, and full-width digits are understood in code page 932 (not in UTF-8).
+// Texts       UTF-8, NUL-terminated. Codes are ASCII digits; hyphens and blanks between them are ignored. A code is
+//             read as code page 932, full-width digits included; a UTF-8 character or a control character in it may
+//             take the digit behind it along, so fold such texts first.
 // Results     0 success, 1 failure, and nothing else is told; out-parameters are written where it says so.
 // Threads     One process-wide state, not locked: one thread at a time. Between a close and the next open, and before
 //             the first open has succeeded, only PstAdrOpen and PstAdrClose may be called.

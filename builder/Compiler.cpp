@@ -28,10 +28,6 @@ std::string Key(std::string const& strFirst, std::string const& strSecond) {
     return strFirst + '\n' + strSecond;
 }
 
-std::string At(std::string const& strSource, size_t nLine) {
-    return strSource + ":" + std::to_string(nLine) + ": ";
-}
-
 } // namespace
 
 // A city and what is needed to find its towns again.
@@ -52,12 +48,21 @@ struct CCompiler::CCity {
 CCompiler::CCompiler(CStatistics& statistics) : m_statistics(statistics), m_vPref(PREF_ORDER_ROWS, nullptr) {}
 CCompiler::~CCompiler() = default;
 
+void CCompiler::Remark(std::string const& strText) {
+    m_statistics.Remark(*m_pSource + ":" + std::to_string(m_nLine) + ": " + strText);
+}
+
+void CCompiler::BeginRow(std::string const& strSource, size_t nLine) {
+    m_pSource = &strSource;
+    m_nLine = nLine;
+}
+
 CCompiler::CPlace* CCompiler::NewPlace(CPlace* pParent, uint8_t nLevel, std::string const& strName,
                                        std::string const& strKana) {
     std::string strFitting = CutName(strName, NAME_LIMIT);
     if (strFitting.size() < strName.size()) {
         ++m_statistics["names_cut"];
-        m_statistics.Remark("cut to " + std::to_string(NAME_LIMIT) + " bytes: " + strName);
+        Remark("cut to " + std::to_string(NAME_LIMIT) + " bytes: " + strName);
     }
     m_vPlace.push_back({nLevel, std::move(strFitting), strKana, {}, {}, {}, ADDR_NONE, ADDR_NONE, false});
     if (pParent != nullptr) pParent->vChild.push_back(&m_vPlace.back());
@@ -67,7 +72,9 @@ CCompiler::CPlace* CCompiler::NewPlace(CPlace* pParent, uint8_t nLevel, std::str
 CCompiler::CCity& CCompiler::FindOrAddCity(CTownRow const& row) {
     CCity*& pCity = m_mapCity[Key(row.strPref, row.strCity)];
     if (pCity != nullptr) return *pCity;
-    CPlace*& pPref = m_vPref[static_cast<size_t>(FindPrefRow(row.strPref))];
+    int const nPref = FindPrefRow(row.strPref);
+    if (nPref < 0) throw CBuildError("\"" + row.strPref + "\" is no prefecture.");
+    CPlace*& pPref = m_vPref[static_cast<size_t>(nPref)];
     if (pPref == nullptr) pPref = NewPlace(nullptr, LEVEL_PREF, row.strPref, row.strPrefKana);
     m_vCity.emplace_back();
     pCity = &m_vCity.back();
@@ -117,28 +124,33 @@ void CCompiler::AddTowns(std::vector<CTownRow> const& vRow, std::string const& s
     for (CTownRow const& row : vRow) {
         ++m_statistics["town_rows"];
         if (!BeginsWith(row.strCode, row.strOldCode)) ++m_statistics["town_rows_not_below_their_old_code"];
-        AddTownRow(FindOrAddCity(row), row, strSource);
+        BeginRow(strSource, row.nLine);
+        AddTownRow(FindOrAddCity(row), row);
     }
     for (CCity& city : m_vCity) {
-        for (CTownRow const* pRow : city.vFloor) AddFloorRow(city, *pRow, strSource);
+        for (CTownRow const* pRow : city.vFloor) {
+            BeginRow(strSource, pRow->nLine);
+            AddFloorRow(city, *pRow);
+        }
         city.vFloor.clear();
     }
 }
 
-void CCompiler::AddTownRow(CCity& city, CTownRow const& row, std::string const& strSource) {
+void CCompiler::AddTownRow(CCity& city, CTownRow const& row) {
     CTownText const text = ReadTownText(row.strCity, row.strTown, row.strTownKana);
     if (text.bReadingLost) ++m_statistics["rows_without_area_readings"];
     if (text.bShortened) {
         ++m_statistics["area_names_shortened"];
-        m_statistics.Remark(At(strSource, row.nLine) + "shortened to " + std::to_string(NAME_LIMIT) +
-                            " bytes: " + row.strTown);
+        Remark("shortened to " + std::to_string(NAME_LIMIT) + " bytes: " + row.strTown);
     }
     switch (text.nKind) {
-    case ETownKind::Nameless:
+    case ETownKind::Nameless: {
         ++m_statistics["rows_of_whole_cities"];
-        SetCode(FreeTown(city, "", ""), row.strCode, row.strOldCode);
-        OfferDefault(city, city.mapName[""].back(), !Contains(row.strTown, "の次に"));
+        CPlace* const pWhole = FreeTown(city, "", "");
+        SetCode(pWhole, row.strCode, row.strOldCode);
+        OfferDefault(city, pWhole, !Contains(row.strTown, "の次に"));
         break;
+    }
     case ETownKind::Town:
         ++m_statistics["rows_of_towns"];
         SetCode(FreeTown(city, text.town.strName, text.town.strKana), row.strCode, row.strOldCode);
@@ -159,30 +171,34 @@ void CCompiler::AddTownRow(CCity& city, CTownRow const& row, std::string const& 
     }
 }
 
-// The building's town is the longest one of the city whose name begins the text. Of several of that name it is the
+// The longest town of the city whose name begins the text, null when there is none. Of several of that name it is the
 // one whose reading begins the reading too.
-void CCompiler::AddFloorRow(CCity& city, CTownRow const& row, std::string const& strSource) {
-    CTownText const text = ReadTownText(row.strCity, row.strTown, row.strTownKana);
+CCompiler::CPlace* CCompiler::BuildingTown(CCity const& city, std::string const& strName,
+                                           std::string const& strKana) {
     CPlace* pTown = nullptr;
-    for (size_t nLength = 0; nLength < text.town.strName.size();) {
-        nLength += CharacterSize(std::string_view(text.town.strName).substr(nLength));
-        if (nLength >= text.town.strName.size()) break;
-        auto const pFound = city.mapName.find(text.town.strName.substr(0, nLength));
+    size_t nLength = CharacterSize(strName);
+    for (; nLength < strName.size(); nLength += CharacterSize(std::string_view(strName).substr(nLength))) {
+        auto const pFound = city.mapName.find(strName.substr(0, nLength));
         if (pFound == city.mapName.end()) continue;
-        auto const pRead = std::find_if(pFound->second.begin(), pFound->second.end(), [&](CPlace const* pPlace) {
-            return BeginsWith(text.town.strKana, pPlace->strKana);
-        });
+        auto const pRead = std::find_if(pFound->second.begin(), pFound->second.end(),
+                                        [&](CPlace const* pPlace) { return BeginsWith(strKana, pPlace->strKana); });
         pTown = pRead != pFound->second.end() ? *pRead : pFound->second.front();
     }
+    return pTown;
+}
+
+void CCompiler::AddFloorRow(CCity& city, CTownRow const& row) {
+    CTownText const text = ReadTownText(row.strCity, row.strTown, row.strTownKana);
     CNamed building = text.town;
+    CPlace* pTown = BuildingTown(city, building.strName, building.strKana);
     if (pTown == nullptr) {
         ++m_statistics["buildings_without_town"];
-        m_statistics.Remark(At(strSource, row.nLine) + "no town of the city begins this building: " + row.strTown);
+        Remark("no town of the city begins this building: " + row.strTown);
         pTown = FindOrAddTown(city, "", "");
     }
     building.strName.erase(0, pTown->strName.size());
     building.strKana.erase(0, BeginsWith(building.strKana, pTown->strKana) ? pTown->strKana.size() : 0);
-    CPlace*& pBuilding = city.mapBuilding[Key(pTown->strName, building.strName)];
+    CPlace*& pBuilding = city.mapBuilding[Key(Key(pTown->strName, pTown->strKana), building.strName)];
     if (pBuilding == nullptr) {
         pBuilding = NewPlace(pTown, LEVEL_BLOCK, building.strName, building.strKana);
         ++m_statistics["buildings"];
@@ -195,7 +211,7 @@ void CCompiler::AddFloorRow(CCity& city, CTownRow const& row, std::string const&
     SetCode(pPlace, row.strCode, row.strOldCode);
 }
 
-// The town as the table spells it, else the one that is equal after folding, else a new one without a code.
+// The town as the town table spells it, else the one that is equal after folding, else a new one without a code.
 CCompiler::CPlace* CCompiler::OfficeTown(CCity& city, COfficeRow const& row) {
     if (row.strTown.empty()) {
         ++m_statistics["offices_without_town"];
@@ -225,11 +241,11 @@ CCompiler::CPlace* CCompiler::OfficeTown(CCity& city, COfficeRow const& row) {
 void CCompiler::AddOffices(std::vector<COfficeRow> const& vRow, std::string const& strSource) {
     for (COfficeRow const& row : vRow) {
         ++m_statistics["office_rows"];
+        BeginRow(strSource, row.nLine);
         CCity* const pCity = FindCity(row.strPref, row.strCity);
         if (pCity == nullptr) {
             ++m_statistics["offices_left_out"];
-            m_statistics.Remark(At(strSource, row.nLine) +
-                                "left out, the town table has no such city: " + row.strPref + row.strCity);
+            Remark("left out, the town table has no such city: " + row.strPref + row.strCity);
             continue;
         }
         CPlace* pPlace = OfficeTown(*pCity, row);

@@ -58,14 +58,19 @@ class CCompiler {
     CPlace* FindOrAddTown(CCity& city, std::string const& strName, std::string const& strKana);
     CPlace* FreeTown(CCity& city, std::string const& strName, std::string const& strKana);
     void SetCode(CPlace* pPlace, std::string const& strCode, std::string const& strOldCode);
-    void AddTownRow(CCity& city, CTownRow const& row, std::string const& strSource);
-    void AddFloorRow(CCity& city, CTownRow const& row, std::string const& strSource);
+    void BeginRow(std::string const& strSource, size_t nLine);
+    void Remark(std::string const& strText); // on the row that was begun last
+    void AddTownRow(CCity& city, CTownRow const& row);
+    static CPlace* BuildingTown(CCity const& city, std::string const& strName, std::string const& strKana);
+    void AddFloorRow(CCity& city, CTownRow const& row);
     CPlace* OfficeTown(CCity& city, COfficeRow const& row);
     void OfferDefault(CCity& city, CPlace* pPlace, bool bWhole);
     void WritePlace(CImageWriter& writer, CPlace& place, uint32_t nParent);
     void CountUnreachableOldCodes(CImage const& image);
 
     CStatistics& m_statistics;
+    std::string const* m_pSource = nullptr; // of the row at hand
+    size_t m_nLine = 0;
     std::deque<CPlace> m_vPlace;
     std::deque<CCity> m_vCity;
     std::vector<CPlace*> m_vPref; // by row of pref_order, null when the source lacks it

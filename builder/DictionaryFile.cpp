@@ -21,6 +21,7 @@ namespace qe {
 namespace {
 
 constexpr uint32_t KNOWN_VERSION = 1;
+constexpr unsigned DEEPEST = 32; // steps below a prefecture that are shown; eight levels need seven
 
 struct CTable {
     char const* pszName;
@@ -53,6 +54,7 @@ class CTreePrinter {
         : m_dic(dictionary), m_nLevel(nLevel), m_out(out) {}
 
     void PrintChildren(uint32_t nFirst, uint32_t nCount, uint32_t nParent, unsigned nDepth) {
+        if (nDepth > DEEPEST) return; // only a damaged file is
         for (uint32_t n = 0; n < nCount; ++n) {
             uint32_t const nIndex = nFirst + n;
             tagADDRNODE const* const pNode = m_dic.GetAddrNode(nIndex);
@@ -107,6 +109,12 @@ uint32_t ReadEdition(std::string const& strEdition) {
         EditionText(nEdition) != strEdition)
         throw CBuildError("\"" + strEdition + "\" is no edition; write it as 2026-05 or 2026-05-29.");
     return nEdition;
+}
+
+bool IsEdition(std::string const& strEdition) try {
+    return ReadEdition(strEdition) != 0;
+} catch (CBuildError const&) {
+    return false;
 }
 
 char const* SourceText(uint32_t nSource) {

@@ -15,6 +15,7 @@ namespace qe {
 std::string EditionText(uint32_t nEdition);
 // The reverse of it; throws CBuildError for any other text.
 uint32_t ReadEdition(std::string const& strEdition);
+bool IsEdition(std::string const& strEdition);
 
 // "official tables", "SKK dictionaries", "sample", "unknown".
 char const* SourceText(uint32_t nSource);

@@ -12,9 +12,9 @@
 //           is thrown away. A second fetch into the same DIR at the same time is refused.
 // Cuts      A transfer that was cut is resumed where the server proves (If-Range, then the answer's own ETag or
 //           Last-Modified, place and total size) that it still has the same file; else it begins again.
-// Failure   CBuildError with the address, what happened and the way out. DIR is as it was: no .part, old files
-// intact. Remarks   One line per new try, and the progress line; nothing else is written there. Threads   One call at
-// a time: libcurl is started by the first call, and a lock on DIR is held during each.
+// Failure   CBuildError with the address, what happened and the way out. DIR is as it was: no .part, old files intact.
+// Remarks   One line per new try, and the progress line; nothing else is written there.
+// Threads   One call at a time: libcurl is started by the first call, and a lock on DIR is held during each.
 #ifndef QEADRS_BUILDER_FETCH_H
 #define QEADRS_BUILDER_FETCH_H
 

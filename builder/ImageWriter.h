@@ -8,8 +8,7 @@
 //   CImage image = writer.Write();            // image.vByte is what the file holds
 //
 // Ids       AddNode and AddEntry return positions in order of adding. The image orders its records by rules of its
-// own
-//           (Write says which); CImage tells where each one went.
+//           own (Write says which); CImage tells where each one went.
 // Limits    Nothing here knows what the national dictionary should hold: any tree can be written, also one that no
 //           reader should trust, so that tests can make small and odd images with it.
 // Failure   Throws CBuildError when the image would exceed 4 GB.

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 namespace qe {
 
@@ -82,8 +83,22 @@ class CTemporary {
 
 } // namespace
 
+namespace {
+
+// The file that a path stands for: behind symbolic links, since replacing the link would leave the file as it was.
+std::string Resolve(std::string const& strPath) {
+    struct stat status = {};
+    if (stat(strPath.c_str(), &status) != 0) return strPath; // new, or creating it will say what is wrong
+    if (!S_ISREG(status.st_mode))
+        throw CBuildError(strPath + ": cannot be replaced: it is not a regular file; nothing was changed.");
+    std::unique_ptr<char, decltype(&std::free)> const pszReal(realpath(strPath.c_str(), nullptr), &std::free);
+    return pszReal == nullptr ? strPath : pszReal.get();
+}
+
+} // namespace
+
 void ReplaceFile(std::string const& strPath, std::vector<unsigned char> const& vByte) {
-    CTemporary file(strPath);
+    CTemporary file(Resolve(strPath));
     file.Write(vByte);
     file.Verify(vByte);
     file.Rename();

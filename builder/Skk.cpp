@@ -193,6 +193,11 @@ class CTownNames {
     std::unordered_set<std::string> m_vFolded;
 };
 
+void LeaveOut(CSkkTables& tables, std::string const& strSource, CEntry const& entry) {
+    tables.vLeftOut.push_back(strSource + ":" + std::to_string(entry.nLine) +
+                              ": left out, no known prefecture and city in it: " + entry.strText);
+}
+
 // "name @ address"
 void ReadOffices(std::vector<CEntry> const& vEntry, CCityNames const& cities, CSkkTables& tables) {
     CTownNames const towns(tables.vTown);
@@ -204,7 +209,7 @@ void ReadOffices(std::vector<CEntry> const& vEntry, CCityNames const& cities, CS
         std::string strRest;
         if (nAt == std::string::npos ||
             !cities.Split(entry.strText.substr(nAt + 3), row.strPref, row.strCity, strRest)) {
-            ++tables.nLeftOut;
+            LeaveOut(tables, tables.strOfficeSource, entry);
             continue;
         }
         row.strName = entry.strText.substr(0, nAt);
@@ -227,7 +232,7 @@ CSkkTables ReadSkkTables(std::string const& strFolder) {
         row.nLine = entry.nLine;
         row.strCode = entry.strCode;
         if (!cities.Split(entry.strText, row.strPref, row.strCity, row.strTown)) {
-            ++tables.nLeftOut;
+            LeaveOut(tables, tables.strTownSource, entry);
             continue;
         }
         tables.vTown.push_back(std::move(row));

@@ -15,8 +15,8 @@ struct CSkkTables {
     std::vector<COfficeRow> vOffice;
     std::string strTownSource; // names for messages
     std::string strOfficeSource;
-    uint32_t nEdition = 0; // of the file's own time stamp
-    size_t nLeftOut = 0;   // entries without a known prefecture or city
+    uint32_t nEdition = 0;             // of the file's own time stamp
+    std::vector<std::string> vLeftOut; // "FILE:LINE: ..." for each entry without a known prefecture or city
 };
 
 // Reads SKK-JISYO.zipcode and, when it is there, SKK-JISYO.office.zipcode in strFolder. Throws CBuildError.

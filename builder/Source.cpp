@@ -39,8 +39,13 @@ std::string ReadPlainFile(std::string const& strPath) {
     if (stat(strPath.c_str(), &status) != 0) FailFile(strPath, std::strerror(errno));
     if (S_ISDIR(status.st_mode)) FailFile(strPath, "this is a directory; name a zip or CSV file in it.");
     std::ifstream file(strPath, std::ios::binary);
-    std::string strBytes{std::istreambuf_iterator<char>(file), {}};
-    if (!file) FailFile(strPath, "cannot be read.");
+    std::string strBytes;
+    for (std::vector<char> vPart(1u << 20); file && strBytes.size() <= SIZE_LIMIT;) {
+        file.read(vPart.data(), static_cast<std::streamsize>(vPart.size()));
+        strBytes.append(vPart.data(), static_cast<size_t>(file.gcount()));
+    }
+    if (strBytes.size() > SIZE_LIMIT) FailFile(strPath, "is too large to be a postal table.");
+    if (!file.eof()) FailFile(strPath, "cannot be read.");
     return strBytes;
 }
 
@@ -88,10 +93,12 @@ size_t LineOf(std::string_view str, size_t nPos) {
 CSource ReadBytes(std::string const& strPath) {
     CSource source;
     source.strPath = strPath;
-    std::string const strHead = ReadPlainFile(strPath).substr(0, 2);
-    source.strText =
-        strHead == "PK" ? ReadZipMember(strPath, source.strMember, source.nEdition) : ReadPlainFile(strPath);
+    source.strText = ReadPlainFile(strPath);
+    if (BeginsWith(source.strText, "PK")) source.strText = ReadZipMember(strPath, source.strMember, source.nEdition);
     if (source.strText.empty()) FailFile(source.Name(), "is empty.");
+    size_t const nNul = source.strText.find('\0');
+    if (nNul != std::string::npos)
+        FailLine(source, LineOf(source.strText, nNul), "a NUL byte: this is no text file.");
     if (source.strText.back() != '\n')
         FailLine(source, LineOf(source.strText, source.strText.size()),
                  "the file is cut off within this line; get it again.");
@@ -193,16 +200,16 @@ CSource ReadSource(std::string const& strPath) {
     if (nBadUtf8 != std::string::npos) {
         std::string strUtf8;
         size_t nBad = 0;
-        if (!ConvertToUtf8(source.strText, "CP932", strUtf8, &nBad))
-            FailLine(source, LineOf(source.strText, nBad),
-                     "neither UTF-8 (wrong in line " + std::to_string(LineOf(source.strText, nBadUtf8)) +
-                         ") nor CP932 (wrong in this line).");
+        if (!ConvertToUtf8(source.strText, "CP932", strUtf8, &nBad)) {
+            // The encoding that fits further is the one that was meant.
+            bool const bUtf8 = nBadUtf8 > nBad;
+            FailLine(source, LineOf(source.strText, std::max(nBad, nBadUtf8)),
+                     std::string("this line is not ") + (bUtf8 ? "UTF-8" : "CP932") + ", and the file is not " +
+                         (bUtf8 ? "CP932" : "UTF-8") + " either.");
+        }
         source.strText = std::move(strUtf8);
         source.nEncoding = EEncoding::Cp932;
     }
-    size_t const nNul = source.strText.find('\0');
-    if (nNul != std::string::npos)
-        FailLine(source, LineOf(source.strText, nNul), "a NUL byte: this is no text file.");
     return source;
 }
 

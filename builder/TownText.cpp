@@ -12,6 +12,8 @@
 
 #include "builder/Text.h"
 
+#include <algorithm>
+
 namespace qe {
 
 namespace {
@@ -111,7 +113,7 @@ void ReadAreas(CTownText& text, CParenthesis const& cut) {
     for (size_t n = 0; n < vName.size(); ++n) {
         if (vName[n] == "その他")
             text.bDefault = true;
-        else
+        else if (!vName[n].empty())
             areas.Add({vName[n], vKana[n]});
     }
     text.nKind = text.vArea.empty() ? ETownKind::Town : ETownKind::Areas;
@@ -174,10 +176,13 @@ size_t FindLots(std::string_view str) {
     return nPos;
 }
 
-std::string RemoveAll(std::string str, std::string_view strPart) {
-    for (size_t nPos; !strPart.empty() && (nPos = str.find(strPart)) != std::string::npos;)
-        str.erase(nPos, strPart.size());
-    return str;
+// The lots without the town's name, which may stand before each end of the range; the parenthesis stays as it is.
+std::string WithoutRepeats(std::string_view strLots, std::string_view strTown) {
+    size_t const nParenthesis = std::min(strLots.find("（"), strLots.size());
+    std::string strRange(strLots.substr(0, nParenthesis));
+    for (size_t nPos; !strTown.empty() && (nPos = strRange.find(strTown)) != std::string::npos;)
+        strRange.erase(nPos, strTown.size());
+    return strRange.append(strLots.substr(nParenthesis));
 }
 
 // "種市第１地割〜種市第３地割（…）": the town's name is not repeated in the range.
@@ -188,12 +193,12 @@ bool ReadLots(CTownText& text, std::string_view strTown, std::string_view strKan
     if (nLots == 0 || nLots >= strTown.size()) return false;
     text.town.strName = strTown.substr(0, nLots);
     CNamed lots;
-    lots.strName = RemoveAll(std::string(strTown.substr(nLots)), text.town.strName);
-    size_t nKana = strKana.find("ダイ");
-    size_t const nDigit = FindLots(strKana);
-    if (nKana == std::string_view::npos || nKana > nDigit || !Contains(lots.strName, "第")) nKana = nDigit;
+    lots.strName = WithoutRepeats(strTown.substr(nLots), text.town.strName);
+    constexpr std::string_view COUNTED = "ダイ"; // 第
+    size_t nKana = FindLots(strKana);
+    if (Contains(lots.strName, "第") && EndsWith(strKana.substr(0, nKana), COUNTED)) nKana -= COUNTED.size();
     text.town.strKana = strKana.substr(0, nKana);
-    lots.strKana = RemoveAll(std::string(strKana.substr(nKana)), text.town.strKana);
+    lots.strKana = WithoutRepeats(strKana.substr(nKana), text.town.strKana);
     text.nKind = ETownKind::Areas;
     if (lots.strName.size() > NAME_LIMIT) {
         lots.strName = CutName(lots.strName, NAME_LIMIT);

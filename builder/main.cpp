@@ -59,7 +59,7 @@ void PrintStatistics(CStatistics const& statistics, CBuildOptions const& options
     if (options.bJson) {
         for (auto const& [strName, nCount] : statistics.Counts()) summary["counts"][strName] = nCount;
         summary["remarks"] = statistics.Remarks();
-        std::cout << summary.dump() << '\n';
+        std::cout << summary.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
         return;
     }
     if (options.bQuiet) return;
@@ -103,7 +103,8 @@ uint32_t AddSkkTables(CBuildOptions const& options, CProgress const& progress, C
     CSkkTables const tables = ReadSkkTables(options.strSkk);
     summary["towns"] = tables.strTownSource + ", " + EncodingName(EEncoding::EucJis2004);
     if (!tables.strOfficeSource.empty()) summary["offices"] = tables.strOfficeSource;
-    statistics["entries_left_out"] = tables.nLeftOut;
+    statistics["entries_left_out"] = tables.vLeftOut.size();
+    for (std::string const& strRemark : tables.vLeftOut) statistics.Remark(strRemark);
     compiler.AddTowns(tables.vTown, tables.strTownSource);
     compiler.AddOffices(tables.vOffice, tables.strOfficeSource);
     return tables.nEdition;
@@ -139,7 +140,10 @@ void AddBuild(CLI::App& app, CBuildOptions& options) {
     pTowns->excludes(pSkk);
     pOffices->excludes(pSkk)->needs(pTowns);
     pBuild->add_option("-o,--output", options.strOutput, "the dictionary file, replaced as a whole")->required();
-    pBuild->add_option("--edition", options.strEdition, "edition date, 2026-05 or 2026-05-29 (default: of the zip)");
+    pBuild->add_option("--edition", options.strEdition, "edition date, 2026-05 or 2026-05-29 (default: of the zip)")
+        ->check([](std::string const& str) {
+            return IsEdition(str) ? "" : "\"" + str + "\" is no edition; write it as 2026-05 or 2026-05-29.";
+        });
     pBuild->add_flag("--sample", options.bSample, "mark the dictionary as compiled from sample data");
     pBuild->add_flag("--json", options.bJson, "statistics as one JSON object");
     pBuild->add_flag("-q,--quiet", options.bQuiet, "no statistics");
@@ -191,7 +195,7 @@ void AddShow(CLI::App& app, CShowOptions& options) {
 
 int Run(int nArguments, char** ppszArgument) {
     CLI::App app("qeadrs-dic - compile and inspect postal address dictionaries\n"
-                 "Exit: 0 done, 1 failed (the old dictionary is untouched), 2 usage.");
+                 "Exit: 0 done, 1 failed, 2 usage. A build that fails leaves the old dictionary untouched.");
     app.require_subcommand(1);
     app.set_version_flag("--version", QEADRS_VERSION);
     CBuildOptions buildOptions;

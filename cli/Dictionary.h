@@ -6,8 +6,7 @@
 //
 // Why twice  The API keeps its own CAddrDic to itself, and its blocks lack buildings, floors and readings.
 // Checks     The library looks at nothing in a file. Here the header is checked: ours, of a format we know, as long
-// as
-//            it says, its tables inside the file. The records are not: `qeadrs-dic info` compares the checksum.
+//            as it says, its tables inside the file. The records are not: `qeadrs-dic info` compares the checksum.
 // One only   The API has one dictionary for the process: do not make a second object while one lives.
 #ifndef QEADRS_CLI_DICTIONARY_H
 #define QEADRS_CLI_DICTIONARY_H

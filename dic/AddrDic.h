@@ -6,8 +6,7 @@
 //   if (dic.GetAddrFromPostCode7("100-0001", vAddr)) puts(vAddr[0].pszCity);   // 千代田区
 //
 // Lifetime  The object never owns the image. Texts in a tagADDR lead into it and live as long as the mapping; once
-// the
-//           owner has unmapped it, call nothing before the next SetDictionary.
+//           its owner has unmapped it, call nothing before the next SetDictionary.
 // State     Each lookup rewrites the lists it owns; other calls read them until the next lookup.
 // Threads   One object, one thread. Objects over the same image are independent of each other.
 // Failure   Nothing throws but std::bad_alloc. An index or offset outside its table yields null, and null means not
@@ -89,8 +88,10 @@ class QEADRS_API CAddrDic {
 
     // --- postal-code lookup -----------------------------------------------------------------------------------
 
-    // Keeps the digits and "?" and "*" of the text, in place, and drops all else; a two-byte character of code page
-    // 932 counts as its single-byte form. "〒100-0001" becomes "1000001". Null is ignored.
+    // Keeps the digits and "?" and "*" of the text, in place, and drops all else: "100-0001" becomes "1000001". The
+    // text is read as code page 932: a two-byte character counts as its single-byte form, and a byte that is none in
+    // that code page (a tab, and most bytes of UTF-8 characters) is dropped together with the byte behind it. So keep
+    // UTF-8 characters and control characters out of it. Null is ignored.
     void MakePostCode(char* pszText);
 
     // Index of the first entry whose code begins with pszCode, -1 when there is none; 0 for null or "".
@@ -111,7 +112,7 @@ class QEADRS_API CAddrDic {
     int GetCityFromPostCode5(char const* pszCode, std::vector<tagADDR>& vAddr);
 
   private:
-    friend struct CAddrDicPeek; // layout checks, and tests of state that no operation reads
+    friend struct CAddrDicPeek; // tests of state that no operation reads
 
     QEADRS_LOCAL void KeepOfficeText();
 

@@ -40,6 +40,7 @@ class CImageText {
     // bytes before its NUL.
     int ComparePrefix(char const* psz, char const* pszPrefix, size_t nLength) const {
         size_t const nRoom = Room(psz);
+        if (nRoom == 0) return -1; // no text at all
         if (nLength <= nRoom) return std::strncmp(psz, pszPrefix, nLength);
         int const nOrder = std::strncmp(psz, pszPrefix, nRoom);
         return nOrder != 0 ? nOrder : -1;

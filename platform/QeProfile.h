@@ -13,7 +13,8 @@ extern "C" {
 // NUL-terminated; nothing is written when pszBuffer is null or nSize is not positive. Section and key are compared
 // without regard to ASCII case; of several equal keys the first counts. A missing file, section or key gives
 // pszDefault (null counts as ""). Returns the number of bytes written without the NUL.
-int QeGetProfileString(char const* pszSection, char const* pszKey, char const* pszDefault, char* pszBuffer, int nSize);
+int QeGetProfileString(char const* pszSection, char const* pszKey, char const* pszDefault, char* pszBuffer,
+                       int nSize);
 
 #ifdef __cplusplus
 }

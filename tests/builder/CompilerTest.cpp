@@ -95,8 +95,7 @@ std::string const HEAD_1000 = "0 東京都|ケン\n"
 
 } // namespace
 
-// --- levels
-// ---------------------------------------------------------------------------------------------------------
+// --- levels ---
 
 TEST(Compiler, APlainTownIsANodeBelowItsCity) {
     EXPECT_EQ(CWorld({Town("千代田", "チヨダ", "1000001")}).Tree(), HEAD + "    2 千代田|チヨダ|1000001|100\n");
@@ -166,8 +165,7 @@ TEST(Compiler, TheTreeEndsAtTheLevelAskedFor) {
                                              "      3 １\n");
 }
 
-// --- what the city refers to
-// ----------------------------------------------------------------------------------------
+// --- what the city refers to ---
 
 TEST(Compiler, TheCityRefersToTheEntryOfItsNamelessTown) {
     CWorld const world({Town("千代田", "チヨダ", "1000001"), Town("以下に掲載がない場合", "イカニ", "1000000")});
@@ -224,8 +222,7 @@ TEST(Compiler, ARangeBehindATownsNameIsNotTheCitys) {
     EXPECT_THAT(world.Names('2'), ElementsAre("大島町||8572427|100"));
 }
 
-// --- entries and nodes
-// ----------------------------------------------------------------------------------------------
+// --- entries and nodes ---
 
 namespace {
 
@@ -292,8 +289,7 @@ TEST(Compiler, TownNamesAreNeverSharedBetweenNodes) {
     EXPECT_EQ(vName.size(), world.Count("nodes"));
 }
 
-// --- order
-// ----------------------------------------------------------------------------------------------------------
+// --- order ---
 
 TEST(Compiler, PrefecturesStandInTheConventionalOrderWhateverTheInputsOrder) {
     std::vector<CTown> vTown;
@@ -399,8 +395,7 @@ TEST(TownOrder, NoNameEverStandsBeforeOneThatItBegins) {
     }
 }
 
-// --- towns of one name
-// ----------------------------------------------------------------------------------------------
+// --- towns of one name ---
 
 TEST(Compiler, TownsOfOneNameAndTwoReadingsAreTwoTowns) {
     CWorld const world({Town("石田", "イシダ", "9392707"), Town("石田", "イシデン", "9300974")});
@@ -425,8 +420,7 @@ TEST(Compiler, OneCodeOfTwoTownsIsTwoEntries) {
     EXPECT_EQ(world.Tree(), HEAD + "    2 一之船入町|イチノ|6040924|100\n    2 上樵木町|カミコリキ|6040924|100\n");
 }
 
-// --- buildings
-// ------------------------------------------------------------------------------------------------------
+// --- buildings ---
 
 TEST(Building, TheLongestTownThatBeginsItIsItsTown) {
     CWorld const world({Town("名駅", "メイエキ", "4500002"), Town("名駅南", "メイエキミナミ", "4500003"),
@@ -493,8 +487,7 @@ TEST(Building, BuildingsAreCountedOnce) {
     EXPECT_EQ(world.Count("rows_of_floors"), 3u);
 }
 
-// --- organisations
-// --------------------------------------------------------------------------------------------------
+// --- organisations ---
 
 TEST(Office, AnOfficeStandsBelowTheRestOfItsAddress) {
     CWorld const world({Town("千代田", "チヨダ", "1000001")}, {Office("宮内庁", "千代田", "１−１")});
@@ -539,7 +532,7 @@ TEST(Office, AnUnknownTownIsAddedWithoutACode) {
                                    "      3 １\n"
                                    "        7 衆議院|ナマエ|1008111|100\n"
                                    "        7 参議院|ナマエ|1008111|100\n");
-    EXPECT_GE(world.Count("offices_in_towns_added"), 1u);
+    EXPECT_EQ(world.Count("offices_in_towns_added"), 2u);
 }
 
 TEST(Office, AnAddedTownIsOrderedLikeAnyOther) {
@@ -605,8 +598,7 @@ TEST(Office, EveryOfficeStandsInTheIndexByTheBytesOfItsName) {
     EXPECT_THAT(vName, ElementsAre("あ", "み", "ん", "Ａ"));
 }
 
-// --- statistics
-// -----------------------------------------------------------------------------------------------------
+// --- statistics ---
 
 TEST(Statistics, EveryTownRowIsCountedUnderOneKind) {
     CWorld const world(MIXED, MIXED_OFFICES);
@@ -654,8 +646,7 @@ TEST(Statistics, ATableWithoutOddRowsHasNoRemarks) {
     EXPECT_THAT(CWorld(MIXED, MIXED_OFFICES).Remarks(), IsEmpty());
 }
 
-// --- reach of the old codes
-// -----------------------------------------------------------------------------------------
+// --- reach of the old codes ---
 
 namespace {
 
@@ -751,8 +742,7 @@ TEST(OldCodes, EntriesWithoutAnOldCodeAreNotCounted) {
     EXPECT_EQ(statistics.Get("entries_out_of_reach_of_their_old_code"), 0u);
 }
 
-// --- the image as a whole
-// -------------------------------------------------------------------------------------------
+// --- the image as a whole ---
 
 TEST(Compiler, TheSameInputGivesTheSameBytes) {
     EXPECT_EQ(CWorld(MIXED, MIXED_OFFICES).Bytes(), CWorld(MIXED, MIXED_OFFICES).Bytes());

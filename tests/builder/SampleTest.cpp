@@ -169,8 +169,7 @@ TEST_F(Sample, EveryOldCodeWithinReachFindsItsRows) {
     }
 }
 
-// --- the codes that the README names
-// --------------------------------------------------------------------------------
+// --- the codes that the README names ---
 
 TEST_F(Sample, ATownOfManyCodesHasItsRangesApart) {
     EXPECT_THAT(m_sample.Addresses("060-0042"), ElementsAre("北海道|札幌市中央区|大通西|１〜１９丁目"));
@@ -253,8 +252,7 @@ TEST_F(Sample, LongNamesOfOfficesAreCut) {
     EXPECT_EQ(m_sample.statistics.Get("names_cut"), 2u);
 }
 
-// --- the other encoding
-// ---------------------------------------------------------------------------------------------
+// --- the other encoding ---
 
 namespace {
 

@@ -86,8 +86,7 @@ std::string WideLine(std::string const& strKana, std::string const& strTown, std
 
 } // namespace
 
-// --- lines and fields
-// -----------------------------------------------------------------------------------------------
+// --- lines and fields ---
 
 TEST_F(Source, LinesMayEndInLfOrCrLf) {
     EXPECT_THAT(Lines("a\nb\r\nc\n"), ElementsAre("a", "b", "c"));
@@ -139,8 +138,7 @@ TEST_F(Source, TextBehindAClosingQuoteIsTold) {
     EXPECT_THAT(ErrorOf([&] { Fields("\"a\"b,c", 2); }), EndsWith("t.csv:1: text behind a closing quote."));
 }
 
-// --- files and zips
-// -------------------------------------------------------------------------------------------------
+// --- files and zips ---
 
 TEST_F(Source, APlainFileHasItsPathForAName) {
     qe::CSource const source = Read("a\n");
@@ -241,8 +239,7 @@ TEST_F(Source, ANulByteIsRefusedAtItsLine) {
     EXPECT_EQ(TownError(strTable), ":2: a NUL byte: this is no text file.");
 }
 
-// --- encodings
-// ------------------------------------------------------------------------------------------------------
+// --- encodings ---
 
 TEST_F(Source, Utf8IsDetected) {
     qe::CSource const source = Read(Line(CHIYODA));
@@ -260,9 +257,8 @@ TEST_F(Source, PlainAsciiIsUtf8) {
     EXPECT_EQ(Read("abc\n").nEncoding, qe::EEncoding::Utf8);
 }
 
-TEST_F(Source, ATextInNeitherEncodingNamesBothPlaces) {
-    EXPECT_EQ(TownError("a\n\x93\x8C\n\xFF\n"),
-              ":3: neither UTF-8 (wrong in line 2) nor CP932 (wrong in this line).");
+TEST_F(Source, ATextInNeitherEncodingIsTakenForTheOneThatFitsFurther) {
+    EXPECT_EQ(TownError("a\n\x93\x8C\n\xFF\n"), ":3: this line is not CP932, and the file is not UTF-8 either.");
 }
 
 TEST_F(Source, Utf16IsRefused) {
@@ -282,8 +278,7 @@ TEST_F(Source, ALineThatIsNotEucJis2004IsNamed) {
     EXPECT_EQ(ErrorOf([&] { qe::ReadEucSource(strPath); }), strPath + ":2: this line is not EUC-JIS-2004.");
 }
 
-// --- the town table
-// -------------------------------------------------------------------------------------------------
+// --- the town table ---
 
 TEST_F(Source, ATownRowHasItsColumnsByName) {
     qe::CTownTable const table = Towns(
@@ -423,8 +418,7 @@ TEST_F(Source, AnOrganisationTableIsNoTownTable) {
               ":1: expected 15 columns, found 13.");
 }
 
-// --- the organisation table
-// -----------------------------------------------------------------------------------------
+// --- the organisation table ---
 
 TEST_F(Source, AnOfficeRowHasItsColumnsByName) {
     std::vector<qe::COfficeRow> const vRow =

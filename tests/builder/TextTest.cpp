@@ -23,8 +23,7 @@ bool FoldAlike(std::string const& strA, std::string const& strB) {
 
 } // namespace
 
-// --- FoldTownName
-// ---------------------------------------------------------------------------------------------------
+// --- FoldTownName ---
 
 TEST(FoldTownName, ANumberIsTheSameInEveryScript) {
     EXPECT_TRUE(FoldAlike("北１条西", "北一条西"));
@@ -86,8 +85,7 @@ TEST(FoldTownName, IllFormedTextIsPassedThrough) {
               "A");
 }
 
-// --- CutName
-// --------------------------------------------------------------------------------------------------------
+// --- CutName ---
 
 TEST(CutName, ANameWithinTheLimitStaysWhole) {
     EXPECT_EQ(qe::CutName("abc", 3), "abc");
@@ -141,8 +139,7 @@ TEST(CutName, EveryLimitGivesWholeCharacters) {
     }
 }
 
-// --- ToFullWidth
-// ----------------------------------------------------------------------------------------------------
+// --- ToFullWidth ---
 
 TEST(ToFullWidth, AKatakanaWithItsVoicingMarkBecomesOneCharacter) {
     EXPECT_EQ(qe::ToFullWidth("ｶﾞｷﾞﾊﾟﾋﾟｳﾞ"), "ガギパピヴ");
@@ -180,8 +177,7 @@ TEST(ToFullWidth, AnEmptyTextStaysEmpty) {
     EXPECT_EQ(qe::ToFullWidth(""), "");
 }
 
-// --- lists and quotes
-// -----------------------------------------------------------------------------------------------
+// --- lists and quotes ---
 
 TEST(SplitList, ATextWithoutCommaIsOneItem) {
     EXPECT_THAT(qe::SplitList("東"), ElementsAre("東"));
@@ -222,8 +218,7 @@ TEST(BeginsWithDigit, OnlyFullWidthDigitsCount) {
     EXPECT_FALSE(qe::BeginsWithDigit(""));
 }
 
-// --- encodings
-// ------------------------------------------------------------------------------------------------------
+// --- encodings ---
 
 TEST(FindInvalidUtf8, WellFormedTextHasNone) {
     EXPECT_EQ(Invalid(""), "fine");

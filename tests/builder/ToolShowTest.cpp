@@ -112,8 +112,7 @@ TEST_F(ToolShow, ADumpThatCannotBeWrittenIsAFailure) {
     EXPECT_EQ(run.strErr, "qeadrs-dic: the output cannot be written.\n");
 }
 
-// --- files that are none
-// --------------------------------------------------------------------------------------------
+// --- files that are none ---
 
 TEST_F(ToolShow, AMissingFileIsRefused) {
     std::filesystem::remove(Dictionary());
@@ -166,8 +165,7 @@ TEST_F(ToolShow, AFlippedByteIsAWrongChecksum) {
               "WRONG: the file has been changed or damaged");
 }
 
-// --- the same on every byte, without a process for each
-// -------------------------------------------------------------
+// --- the same on every byte, without a process for each ---
 
 namespace {
 

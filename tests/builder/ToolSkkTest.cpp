@@ -206,8 +206,7 @@ TEST_F(ToolSkk, TheSameFolderGivesTheSameBytes) {
     EXPECT_EQ(ReadFile(Dictionary()), strFirst);
 }
 
-// --- organisations
-// --------------------------------------------------------------------------------------------------
+// --- organisations ---
 
 TEST_F(ToolSkk, AnOfficeStandsBelowItsTownAndTheRestOfItsAddress) {
     EXPECT_EQ(Tree(CHIYODA, "1008111 /宮内庁 @ 東京都千代田区千代田１−１/\n"), CHIYODA_TREE +
@@ -254,8 +253,7 @@ TEST_F(ToolSkk, TheOfficesFileMayBeMissing) {
     EXPECT_FALSE(std::filesystem::exists(OfficeFile()));
 }
 
-// --- broken folders
-// -------------------------------------------------------------------------------------------------
+// --- broken folders ---
 
 TEST_F(ToolSkk, AMissingFolderIsNamed) {
     ExpectRefused(TownFile() + ": No such file or directory");

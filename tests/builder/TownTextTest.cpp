@@ -48,8 +48,7 @@ TEST(TownText, AnEmptyTextIsTheCityAsAWhole) {
     EXPECT_EQ(Read("利島村", "", ""), "Nameless");
 }
 
-// --- 境町の次に番地がくる場合
-// ---------------------------------------------------------------------------------------
+// --- 境町の次に番地がくる場合 ---
 
 TEST(TownText, ANumberBehindTheCitysNameWithoutItsCountyIsTheCityAsAWhole) {
     EXPECT_EQ(Read("猿島郡境町", "境町の次に番地がくる場合", "サカイマチノツギニバンチガクルバアイ"), "Nameless");
@@ -102,8 +101,7 @@ TEST(TownText, ANumberBehindTheCitysNameNeedsNoReading) {
     EXPECT_EQ(Read("北都留郡小菅村", "小菅村の次に１〜６６３番地がくる場合", ""), "Areas [] / １〜６６３番地[]");
 }
 
-// --- 一円
-// -----------------------------------------------------------------------------------------------------------
+// --- 一円 ---
 
 TEST(TownText, TheWholeOfACityIsTheCityAsAWhole) {
     EXPECT_EQ(Read("利島村", "利島村一円", "トシマムライチエン"), "Nameless");
@@ -129,8 +127,7 @@ TEST(TownText, TheWholeOfAnotherPlaceIsATown) {
     EXPECT_EQ(Read("利島村", "大島一円", "オオシマイチエン"), "Town 大島一円[オオシマイチエン]");
 }
 
-// --- lists in parentheses
-// -------------------------------------------------------------------------------------------
+// --- lists in parentheses ---
 
 TEST(TownText, ANumberRangeIsOneArea) {
     EXPECT_EQ(Read("札幌市中央区", "大通西（１〜１９丁目）", "オオドオリニシ（１−１９チョウメ）"),
@@ -186,8 +183,7 @@ TEST(TownText, AParenthesisThatDoesNotEndTheTextBelongsToTheName) {
     EXPECT_EQ(Read("見本市", "東（西）町", "ヒガシ（ニシ）マチ"), "Town 東（西）町[ヒガシ（ニシ）マチ]");
 }
 
-// --- その他 and を除く
-// -----------------------------------------------------------------------------------------------
+// --- その他 and を除く ---
 
 TEST(TownText, TheOthersAloneAreTheTownItself) {
     EXPECT_EQ(Read("稚内市", "抜海村（その他）", "バッカイムラ（ソノタ）"), "Town 抜海村[バッカイムラ] default");
@@ -219,8 +215,12 @@ TEST(TownText, AnExceptionBehindQuotesStillConcernsTheTown) {
         "Town 東町[ヒガシマチ]");
 }
 
-// --- floors
-// ---------------------------------------------------------------------------------------------------------
+TEST(TownText, AnExceptionBeforeQuotesConcernsTheTown) {
+    EXPECT_EQ(Read("見本市", "東町（大原を除く「１〜３」）", "ヒガシマチ（オオハラヲノゾク＜１−３＞）"),
+              "Town 東町[ヒガシマチ]");
+}
+
+// --- floors ---
 
 TEST(TownText, AFloorIsCutOffItsBuilding) {
     EXPECT_EQ(Read("仙台市青葉区", "中央アエル（１階）", "チュウオウアエル（１カイ）"),
@@ -259,8 +259,7 @@ TEST(TownText, AStoreyedNameThatIsNoFloorIsAnArea) {
     EXPECT_EQ(Read("見本市", "東町（二階）", "ヒガシマチ（ニカイ）"), "Areas 東町[ヒガシマチ] / 二階[ニカイ]");
 }
 
-// --- 地割
-// -----------------------------------------------------------------------------------------------------------
+// --- 地割 ---
 
 TEST(TownText, LotsThatRepeatTheTownsNameAreOneAreaWithoutIt) {
     EXPECT_EQ(
@@ -309,8 +308,7 @@ TEST(TownText, LotsNeedNoReading) {
               "Areas 種市[] / 第１地割〜第３地割（八木南町）[]");
 }
 
-// --- readings
-// -------------------------------------------------------------------------------------------------------
+// --- readings ---
 
 // Kyoto: the table gives the reading of the town alone.
 TEST(TownText, AReadingWithoutTheParenthesisBelongsToTheTown) {
@@ -338,8 +336,7 @@ TEST(TownText, EveryKindOfRowIsReadWithoutAReading) {
     EXPECT_EQ(Read("和賀郡西和賀町", "越中畑６４地割〜越中畑６６地割", ""), "Areas 越中畑[] / ６４地割〜６６地割[]");
 }
 
-// --- long texts
-// -----------------------------------------------------------------------------------------------------
+// --- long texts ---
 
 // A number with its comma takes 12 bytes: ten numbers make 117 bytes, eleven would make 129.
 TEST(TownText, ANumberListThatIsTooLongGoesOnInTheNextArea) {
