@@ -61,6 +61,14 @@ from_download() {
     WHAT="official tables, downloaded now"
 }
 
+# What follows is older or smaller: it never replaces official tables that an earlier run has compiled.
+from_earlier_run() {
+    "$BIN/qeadrs-dic" info "$DICTIONARY" 2>/dev/null | grep -q '^source *official tables$' || return 1
+    say "source: keeping the dictionary that an earlier run compiled from official tables"
+    WHAT="official tables, compiled by an earlier run"
+    LACKS="nothing"
+}
+
 from_skkdic() {
     say "source: Debian's package skkdic-extra (public domain, the whole country)"
     install_packages skkdic-extra || return 1
@@ -92,13 +100,13 @@ write_profile() {
 
 build_tools
 mkdir -p "$HOME_DIR"
-from_named_folder || from_fetched_files || from_download || from_skkdic || from_sample
+from_named_folder || from_fetched_files || from_download || from_earlier_run || from_skkdic || from_sample
 write_profile
 
 EDITION=$("$BIN/qeadrs-dic" info "$DICTIONARY" | sed -n 's/^edition *//p')
 say "dictionary: $DICTIONARY - $WHAT; edition: $EDITION; it lacks: $LACKS."
 case $WHAT in
-official*) echo "    Next month's edition: rm -r $FETCHED; ./quickstart.sh   (published at $DOWNLOAD_PAGE)" ;;
+official*) echo "    Next month's edition: rm -rf $FETCHED; ./quickstart.sh   (published at $DOWNLOAD_PAGE)" ;;
 *) echo "    The official edition: get utf_ken_all.zip and jigyosyo.zip from $DOWNLOAD_PAGE
     into a folder DIR, or with $BIN/qeadrs-dic fetch -d DIR, then QEADRS_SOURCE=DIR ./quickstart.sh" ;;
 esac

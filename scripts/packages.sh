@@ -1,3 +1,4 @@
+# shellcheck shell=sh disable=SC2034
 # packages.sh - installing Debian packages, for the scripts at the root (sourced, not run).
 
 # What the library, the tools and a dictionary need.
