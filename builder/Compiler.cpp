@@ -33,7 +33,6 @@ std::string Key(std::string const& strFirst, std::string const& strSecond) {
 // A city and what is needed to find its towns again.
 struct CCompiler::CCity {
     CPlace* pPlace = nullptr;
-    CPlace* pPref = nullptr;
     std::unordered_map<std::string, CPlace*> mapTown;              // by name and reading
     std::unordered_map<std::string, std::vector<CPlace*>> mapName; // by name alone, in order
     std::unordered_map<std::string, CPlace*> mapFolded;   // by folded name, the first; made for organisations
@@ -78,7 +77,6 @@ CCompiler::CCity& CCompiler::FindOrAddCity(CTownRow const& row) {
     if (pPref == nullptr) pPref = NewPlace(nullptr, LEVEL_PREF, row.strPref, row.strPrefKana);
     m_vCity.emplace_back();
     pCity = &m_vCity.back();
-    pCity->pPref = pPref;
     pCity->pPlace = NewPlace(pPref, LEVEL_CITY, row.strCity, row.strCityKana);
     return *pCity;
 }

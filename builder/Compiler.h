@@ -15,7 +15,6 @@
 #include "builder/Statistics.h"
 
 #include <deque>
-#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>

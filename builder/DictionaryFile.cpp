@@ -20,7 +20,6 @@ namespace qe {
 
 namespace {
 
-constexpr uint32_t KNOWN_VERSION = 1;
 constexpr unsigned DEEPEST = 32; // steps below a prefecture that are shown; eight levels need seven
 
 struct CTable {
@@ -131,20 +130,18 @@ char const* SourceText(uint32_t nSource) {
     return "unknown";
 }
 
-CDictionaryFile::CDictionaryFile(std::string const& strPath) : m_strPath(strPath) {
+CDictionaryFile::CDictionaryFile(std::string const& strPath) {
     struct stat status = {};
     if (stat(strPath.c_str(), &status) != 0) throw CBuildError(strPath + ": " + std::strerror(errno));
     if (!S_ISREG(status.st_mode)) throw CBuildError(strPath + ": is not a file.");
     std::ifstream file(strPath, std::ios::binary);
     m_vByte.assign(std::istreambuf_iterator<char>(file), {});
     if (!file) throw CBuildError(strPath + ": cannot be read.");
-    // The magic is checked through the writer's eyes: an image without a single node has it as well.
-    std::vector<unsigned char> const vEmpty = CImageWriter().Write().vByte;
-    if (m_vByte.size() < HDR_BYTES || std::memcmp(m_vByte.data(), vEmpty.data(), 4 * HDR_VERSION) != 0)
+    if (m_vByte.size() < HDR_BYTES || std::memcmp(m_vByte.data(), IMAGE_MAGIC, sizeof IMAGE_MAGIC) != 0)
         throw CBuildError(strPath + ": is not a dictionary of ours.");
-    if (Word(HDR_VERSION) > KNOWN_VERSION)
+    if (Word(HDR_VERSION) > IMAGE_VERSION)
         throw CBuildError(strPath + ": has format " + std::to_string(Word(HDR_VERSION)) +
-                          ", newer than this program's " + std::to_string(KNOWN_VERSION) + "; update the program.");
+                          ", newer than this program's " + std::to_string(IMAGE_VERSION) + "; update the program.");
     if (Word(HDR_FILE_SIZE) != m_vByte.size())
         throw CBuildError(strPath + ": is damaged: " + std::to_string(m_vByte.size()) + " bytes instead of " +
                           std::to_string(Word(HDR_FILE_SIZE)) + ".");

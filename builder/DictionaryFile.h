@@ -32,7 +32,6 @@ class CDictionaryFile {
     std::vector<unsigned char> const& Bytes() const { return m_vByte; }
 
   private:
-    std::string m_strPath;
     std::vector<unsigned char> m_vByte;
 };
 

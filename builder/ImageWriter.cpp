@@ -13,9 +13,6 @@ namespace qe {
 
 namespace {
 
-constexpr char MAGIC[] = "QEADRS\x1A"; // 7 characters and the NUL: words 0 and 1
-static_assert(sizeof MAGIC == 8);
-constexpr uint32_t FORMAT_VERSION = 1;
 constexpr size_t TABLE_ALIGNMENT = 16;
 
 constexpr std::array<uint32_t, 256> MakeCrcTable() {
@@ -216,8 +213,8 @@ class CImageLayout {
     }
 
     void WriteHeader() {
-        std::memcpy(&m_anHeader[HDR_MAGIC], MAGIC, sizeof MAGIC);
-        m_anHeader[HDR_VERSION] = FORMAT_VERSION;
+        std::memcpy(&m_anHeader[HDR_MAGIC], IMAGE_MAGIC, sizeof IMAGE_MAGIC);
+        m_anHeader[HDR_VERSION] = IMAGE_VERSION;
         m_anHeader[HDR_EDITION] = m_writer.m_nEdition;
         m_anHeader[HDR_FILE_SIZE] = static_cast<uint32_t>(m_image.vByte.size());
         m_anHeader[HDR_SOURCE] = static_cast<uint32_t>(m_writer.m_nSource);
