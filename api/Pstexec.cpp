@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <limits>
@@ -100,6 +101,27 @@ std::array<char, N + 1> TextField(unsigned char const* p) {
     return szText;
 }
 
+// The fields of the caller's address record.
+constexpr size_t RECORD_OLD_CODE = 2;
+constexpr size_t RECORD_CODE = 8;
+constexpr size_t RECORD_ADDRESS = 23;
+constexpr size_t RECORD_OFFICE = 145;
+constexpr size_t OLD_CODE_SIZE = RECORD_CODE - RECORD_OLD_CODE;
+constexpr size_t CODE_SIZE = RECORD_ADDRESS - RECORD_CODE;
+constexpr size_t ADDRESS_SIZE = RECORD_OFFICE - RECORD_ADDRESS;
+constexpr size_t LATEST_LENGTH = 60; // bytes of the joined address
+
+// Copies a text without its NUL into a field of nSize bytes, as much as fits.
+void PutField(unsigned char* pField, size_t nSize, char const* psz) {
+    std::memcpy(pField, psz == nullptr ? "" : psz, std::min(TextLength(psz), nSize));
+}
+
+// The same with a NUL behind it.
+void PutTextField(unsigned char* pField, size_t nSize, char const* psz) {
+    PutField(pField, nSize - 1, psz);
+    pField[std::min(TextLength(psz), nSize - 1)] = '\0';
+}
+
 // The texts of one address: first their order in the pool, then the place of each in its entry.
 struct CZipText {
     char const* tagADDR::*pszText;
@@ -138,6 +160,13 @@ int PackAddresses(std::vector<tagADDR> const& vAddr, HGLOBAL* phResult) {
         nEntry += ZIP_ENTRY;
     }
     return 0;
+}
+
+// The sort type at the front of a caller's record, for this call and all later ones.
+void TakeSortType(unsigned char const* pRecord) {
+    uint16_t nSortType;
+    std::memcpy(&nSortType, pRecord, sizeof nSortType);
+    dic.SetSortType(nSortType);
 }
 
 // Removes every address whose prefecture and city are those of the one kept before it.
@@ -228,11 +257,9 @@ int GetAdrFromZip(char const* pszCode, HGLOBAL* phResult) try {
 short PstAdrCity(void* pRecord, HGLOBAL* phResult) try {
     if (pRecord == nullptr || phResult == nullptr) return 1;
     auto const* const p = static_cast<unsigned char const*>(pRecord);
-    uint16_t nSortType;
-    std::memcpy(&nSortType, p, sizeof nSortType);
     auto const szOldCode = TextField<6>(p + 2);
     auto const szCode = TextField<8>(p + 8);
-    dic.SetSortType(nSortType);
+    TakeSortType(p);
     std::vector<tagADDR> vAddr;
     if (szCode[0] != '\0')
         dic.GetAddrFromPostCode7(szCode.data(), vAddr);
@@ -242,6 +269,47 @@ short PstAdrCity(void* pRecord, HGLOBAL* phResult) try {
         dic.GetAddrFromPostCode5(szOldCode.data(), vAddr);
     RemoveRepeatedCities(vAddr);
     return PackCities(vAddr, phResult);
+} catch (std::bad_alloc const&) {
+    return 1;
+}
+
+short PstAdrGetZip(void* pRecord) {
+    if (pRecord == nullptr) return 1;
+    auto* const p = static_cast<unsigned char*>(pRecord);
+    TakeSortType(p);
+    auto const szAddress = TextField<ADDRESS_SIZE>(p + RECORD_ADDRESS);
+    tagADDR addr(0);
+    dic.GetPostCodeFromAddr(szAddress.data(), reinterpret_cast<char*>(p + RECORD_OFFICE), addr);
+    if (addr.pszPostCode == nullptr) return 1;
+    PutField(p + RECORD_OLD_CODE, OLD_CODE_SIZE, addr.pszCodeExt);
+    PutField(p + RECORD_CODE, CODE_SIZE, addr.pszPostCode);
+    return 0;
+}
+
+short PstAdrGetLatestAdr(void* pRecord) {
+    if (pRecord == nullptr) return 0;
+    auto* const p = static_cast<unsigned char*>(pRecord);
+    auto const szAddress = TextField<ADDRESS_SIZE>(p + RECORD_ADDRESS);
+    tagADDR addr(0);
+    dic.GetLatestAddr(szAddress.data(), addr);
+    char szLatest[LATEST_LENGTH + 1] = "";
+    size_t nLength = 0;
+    for (char const* psz : {addr.pszPref, addr.pszCity, addr.pszTown, addr.pszArea}) {
+        size_t const nPart = std::min(TextLength(psz), LATEST_LENGTH - nLength);
+        if (nPart != 0) std::memcpy(szLatest + nLength, psz, nPart);
+        nLength += nPart;
+    }
+    PutTextField(p + RECORD_ADDRESS, ADDRESS_SIZE, szLatest);
+    PutTextField(p + RECORD_OLD_CODE, OLD_CODE_SIZE, addr.pszCodeExt);
+    PutTextField(p + RECORD_CODE, CODE_SIZE, addr.pszPostCode);
+    return 0;
+}
+
+int GetAdrFromAdd(char const* pszText, HGLOBAL* phResult) try {
+    if (pszText == nullptr || phResult == nullptr) return 1;
+    std::vector<tagADDR> vAddr;
+    dic.GetAddrFromAddrPart(pszText, vAddr);
+    return vAddr.empty() ? 1 : PackAddresses(vAddr, phResult);
 } catch (std::bad_alloc const&) {
     return 1;
 }

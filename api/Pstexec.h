@@ -77,6 +77,34 @@ QEADRS_API int GetAdrFromZip(char const* pszCode, HGLOBAL* phResult);
 // the block cannot be had or locked (*phResult is the handle as far as there is one).
 QEADRS_API short PstAdrCity(void* pRecord, HGLOBAL* phResult);
 
+// The postal code of an address, and of an organisation at that address when one is named.
+//
+//   off size  pRecord, the caller's
+//     0    2  sort type, kept for later calls: 2 dictionary order, 9 sorted
+//     2    6  out: old postal code, without a NUL
+//     8   15  out: 7-digit postal code, without a NUL
+//    23  122  address, NUL-terminated
+//   145       organisation, NUL-terminated; "" for none. It is stripped in place of blanks, commas and one legal form
+//
+// 0 when a code was found; 1 when none was (both code fields untouched) and for null. The codes are written without a
+// NUL: zero the record first. An address without a NUL inside its field ends with the field; an organisation without
+// a NUL cannot be detected, since nobody tells how long the record is. REQUIRES: the organisation ends in NUL.
+QEADRS_API short PstAdrGetZip(void* pRecord);
+
+// Rewrites an address into its latest form: the record above, without sort type and organisation (145 bytes). The
+// address becomes prefecture, city, town and the rest of the text behind the town, joined and cut after 60 bytes,
+// where that may be within a character; without a town the rest is dropped, and what was not recognised with it. Both
+// codes are written with their NUL, and are those of the address as it was; "" when it has none. Always 0, also for
+// null; that something was replaced shows in the text only.
+QEADRS_API short PstAdrGetLatestAdr(void* pRecord);
+
+// All addresses that a partial address can stand for, in dictionary order: all below the levels that it names, or
+// below the prefectures and cities whose names it begins. 0 with a block in *phResult; 1 for null arguments and a text
+// that fits nothing (*phResult untouched), and when there is no memory (*phResult is the handle as far as there is
+// one). The block is that of GetAdrFromZip, with the old postal code at +4; its count has 16 bits, while "" finds
+// more addresses than that: the pool's offset tells their true number, (offset - 12) / 28.
+QEADRS_API int GetAdrFromAdd(char const* pszText, HGLOBAL* phResult);
+
 #ifdef __cplusplus
 }
 

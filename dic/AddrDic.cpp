@@ -3,6 +3,8 @@
 
 #include "dic/ImageHeader.h"
 #include "dic/ImageText.h"
+#include "dic/LevelText.h"
+#include "dic/UpwardWalk.h"
 
 CAddrDic::CAddrDic() : szOffice{} {
 #if defined(__i386__)
@@ -68,28 +70,6 @@ tagADDRINFO const* CAddrDic::GetAddrInfo(unsigned long nIndex) const {
     return pImage != nullptr && nIndex < HeaderWord(pImage, HDR_INFO_COUNT) ? pInfoTable + nIndex : nullptr;
 }
 
-namespace {
-
-// Steps from a node up to its prefecture. A chain that meets more nodes than the image has goes in a circle (only a
-// damaged dictionary's does) and ends there.
-class CUpwardWalk {
-  public:
-    CUpwardWalk(CAddrDic const& dic, uint32_t nNode)
-        : m_dic(dic),
-          m_pNode(dic.GetAddrNode(nNode)),
-          m_nLeft(m_pNode != nullptr ? HeaderWord(dic.GetDicPointer(), HDR_NODE_COUNT) : 0) {}
-
-    tagADDRNODE const* Node() const { return m_pNode; } // null at the end
-    void Next() { m_pNode = --m_nLeft == 0 ? nullptr : m_dic.GetAddrNode(m_pNode->nParent); }
-
-  private:
-    CAddrDic const& m_dic;
-    tagADDRNODE const* m_pNode;
-    uint32_t m_nLeft;
-};
-
-} // namespace
-
 int CAddrDic::GetAddrPtr(tagADDRINFO const* pInfo, tagADDRNODE const** ppPref, tagADDRNODE const** ppCity,
                          tagADDRNODE const** ppTown) {
     if (pInfo == nullptr || ppPref == nullptr || ppCity == nullptr || ppTown == nullptr) return 0;
@@ -119,38 +99,8 @@ int CAddrDic::GetAddr(tagADDRINFO const* pInfo, tagADDR* pAddr) {
     pAddr->pszPostCode = text.At(pInfo->nCode);
     // The code's own NUL, not the old code behind it: callers of this operation rely on an empty text here.
     pAddr->pszCodeExt = text.Behind(pInfo->nCode, 0);
-    for (CUpwardWalk walk(*this, pInfo->nNode & ~ADDRINFO_SUPERSEDED); walk.Node() != nullptr; walk.Next()) {
-        uint32_t const nName = walk.Node()->nName;
-        auto const Take = [&](char const*& pszName, char const*& pszKana) {
-            pszName = text.At(nName);
-            pszKana = text.Behind(nName, 1);
-        };
-        switch (walk.Node()->nLevel) {
-        case LEVEL_PREF:
-            Take(pAddr->pszPref, pAddr->pszPrefKana);
-            break;
-        case LEVEL_CITY:
-            Take(pAddr->pszCity, pAddr->pszCityKana);
-            break;
-        case LEVEL_TOWN:
-            Take(pAddr->pszTown, pAddr->pszTownKana);
-            break;
-        case LEVEL_AREA:
-            Take(pAddr->pszArea, pAddr->pszAreaKana);
-            break;
-        case LEVEL_BLOCK:
-            Take(pAddr->pszBlock, pAddr->pszBlockKana);
-            break;
-        case LEVEL_NOTE:
-            pAddr->pszNote = text.At(nName);
-            break;
-        case LEVEL_OFFICE:
-            Take(pAddr->pszOffice, pAddr->pszOfficeKana);
-            break;
-        default:
-            break;
-        }
-    }
+    for (CUpwardWalk walk(*this, pInfo->nNode & ~ADDRINFO_SUPERSEDED); walk.Node() != nullptr; walk.Next())
+        StoreLevel(text, *walk.Node(), *pAddr);
     return 1;
 }
 

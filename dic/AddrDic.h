@@ -9,6 +9,7 @@
 //           its owner has unmapped it, call nothing before the next SetDictionary.
 // State     Each lookup rewrites the lists it owns; other calls read them until the next lookup.
 // Threads   One object, one thread. Objects over the same image are independent of each other.
+// Texts     Address texts are UTF-8, of any length, and spelled as the dictionary spells its names.
 // Failure   Nothing throws but std::bad_alloc. An index or offset outside its table yields null, and null means not
 //           found. An object without an image finds nothing.
 // File      Replace the file by renaming a new one over it; editing a mapped file is not supported.
@@ -43,6 +44,24 @@ inline constexpr char pref_order[PREF_ORDER_ROWS][PREF_ORDER_ROW_SIZE] = {
     "32\0岡山県", "33\0広島県", "34\0山口県", "35\0徳島県", "36\0香川県", "37\0愛媛県",   "38\0高知県", "39\0福岡県",
     "40\0佐賀県", "41\0長崎県", "42\0熊本県", "43\0大分県", "44\0宮崎県", "45\0鹿児島県", "46\0沖縄県",
 };
+
+// Kinds of city-level names (GetShikugunType): the character at the end, and the marker found before it.
+enum tagSHIKUGUN : unsigned short {
+    SHIKUGUN_SHI = 0,      // 市
+    SHIKUGUN_KU = 1,       // 区
+    SHIKUGUN_SHI_KU = 2,   // 市 ... 区
+    SHIKUGUN_GUN_CHO = 3,  // 郡 ... 町
+    SHIKUGUN_GUN_MURA = 4, // 郡 ... 村
+    SHIKUGUN_SHIMA = 5,    // 島 ... 町 or 村
+    SHIKUGUN_CHO_MURA = 6, // 庁 ... 村
+    SHIKUGUN_OTHER = 7,    // anything else
+};
+
+// Writes the kind of a city-level name and returns the length in bytes of its part up to and including the marker, 0
+// for kinds without one. Characters are compared by two bytes, as for a double-byte encoding: a UTF-8 name of three
+// bytes or more is always SHIKUGUN_OTHER. Returns 0 and writes nothing for null and for names below three bytes. A
+// length above 65,535 is given modulo 65,536.
+QEADRS_API unsigned short GetShikugunType(char const* pszName, unsigned short* pnType);
 
 class QEADRS_API CAddrDic {
   public:
@@ -110,6 +129,71 @@ class QEADRS_API CAddrDic {
 
     // An empty entry point, kept for its callers: does nothing and returns 1.
     int GetCityFromPostCode5(char const* pszCode, std::vector<tagADDR>& vAddr);
+
+    // --- address text analysis --------------------------------------------------------------------------------
+    //
+    // Names are compared byte by byte, in the dictionary's own spelling. The three levels are read from the front of
+    // the text, each below the level found before it; a level that is not found widens the next one's search to the
+    // whole dictionary. A level writes its name, reading and node into the record, and its entry's codes, the old one
+    // into pszCodeExt; a level that is not found leaves its fields alone. Names lead into the image; pszArea, the
+    // unread rest, leads into the caller's text.
+
+    // Each reads one level at *ppszText, moves *ppszText behind it and returns the node's index; -1 (and *ppszText
+    // stays) when no name fits, and for null. Of prefectures and towns the first that fits is taken, of cities the
+    // longest. nPref and nCity are the index of the level above; an index without a node, such as -1, stands for the
+    // whole dictionary. Towns without a name are never found.
+    int SeparatePref(char const** ppszText, tagADDR& addr);
+    int SeparateCity(char const** ppszText, unsigned long nPref, tagADDR& addr);
+    int SeparateTown(char const** ppszText, unsigned long nCity, tagADDR& addr);
+
+    // The three in one: "東京都千代田区丸の内２丁目" leaves "２丁目" in pszArea. Returns true, also when nothing was
+    // found; false only for a null argument. Zero the record first.
+    bool DivideAddr(char const* pszText, tagADDR* pAddr);
+
+    // Separates the text like DivideAddr (pszArea stays as it is when no town is found) and, when the town is a
+    // superseded one, replaces pszPref, pszCity and pszTown by those of the address that took its place; all other
+    // fields still describe the town that the text names. Returns 1 when a town with an entry was found, 0 otherwise
+    // and when its successor is missing. Zero the record first.
+    uint32_t GetLatestAddr(char const* pszText, tagADDR& addr);
+
+    // Separates the address into addr, which is zeroed first, and replaces its codes by those of the organisation when
+    // one whose name begins with pszOrgName stands in the very same town; null or "" asks for none. pszOrgName is
+    // normalised in place, as SearchInc does; pszArea is the unread rest when a town was found. Returns 1, found or not: look at pszPostCode. 0 when an organisation of
+    // that name has no entry, which only a damaged dictionary's has; addr then keeps the address's own codes.
+    int GetPostCodeFromAddr(char const* pszAddress, char const* pszOrgName, tagADDR& addr);
+
+    // Strips pszName of blanks (EraseBlank) and of one legal form ("株式会社", "（有）", ...), in place although it is
+    // declared constant, leading forms before trailing ones. Returns the first position in the organisation index
+    // whose name begins with the rest, -1 when there is none. A name of which nothing remains begins every name; null
+    // and "" give -1. REQUIRES: writable memory.
+    int SearchInc(char const* pszName);
+
+    // Removes ASCII blanks and commas, and of every character that begins with the two bytes of the ideographic space
+    // these two bytes, in place: in UTF-8 its third byte stays behind, so take ideographic spaces out before.
+    void EraseBlank(char* pszText);
+
+    // Puts the names of the node and of all above it, below the city, in front of what pszBuffer holds: towns and
+    // buildings; a floor or an organisation replaces what is there. Always 1. REQUIRES: pszBuffer holds a text ("" at
+    // first) and has room for all names; 1,024 bytes are enough for any dictionary of our compiler.
+    int GetAfterCityName(tagADDRNODE const* pNode, char* pszBuffer);
+
+    // Appends every current address that a partial text can stand for, in order of discovery: all that lies below the
+    // levels found; behind a whole address down to its town that address itself, first, with the unread rest in
+    // pszArea. A text without a prefecture in front is taken for the beginning of prefecture names and of city names,
+    // so that "" gives the whole dictionary, once by prefectures and once by cities. Always 1.
+    int GetAddrFromAddrPart(char const* pszText, std::vector<tagADDR>& vAddr);
+
+    // Its two halves: all below the prefectures, all below the cities, whose names begin with the text.
+    void GetPrefFromPart(char const* pszText, std::vector<tagADDR>& vAddr);
+    void GetCityFromPart(char const* pszText, std::vector<tagADDR>& vAddr);
+
+    // First position in the city-name index whose name begins with the text, -1 when there is none and for null.
+    int SearchCity(char const* pszText);
+
+    // Appends all current entries below the node, depth first, each a copy of addr with the texts of its levels. A
+    // text of a level stays in the records of later siblings of other levels. In a damaged dictionary a child that is
+    // its own ancestor is passed over, and the walk ends with as many children as the dictionary has nodes.
+    void recTraceNode(tagADDRNODE const* pNode, tagADDR addr, std::vector<tagADDR>& vAddr);
 
   private:
     friend struct CAddrDicPeek; // tests of state that no operation reads
