@@ -156,14 +156,15 @@ class QEADRS_API CAddrDic {
     // and when its successor is missing. Zero the record first.
     uint32_t GetLatestAddr(char const* pszText, tagADDR& addr);
 
-    // Separates the address into addr, which is zeroed first, and replaces its codes by those of the organisation when
-    // one whose name begins with pszOrgName stands in the very same town; null or "" asks for none. pszOrgName is
-    // normalised in place, as SearchInc does; pszArea is the unread rest when a town was found. Returns 1, found or not: look at pszPostCode. 0 when an organisation of
-    // that name has no entry, which only a damaged dictionary's has; addr then keeps the address's own codes.
+    // Separates the address into addr, which is zeroed first (pszArea is the unread rest when a town was found), and
+    // replaces its codes by those of the organisation when one whose name begins with pszOrgName stands in the very
+    // same town; null or "" asks for none. pszOrgName is normalised in place, as SearchInc does. Returns 1, found or
+    // not: look at pszPostCode. 0 when an organisation of that name has no entry, which only a damaged dictionary's
+    // has; addr then keeps the address's own codes. REQUIRES: pszOrgName is writable memory.
     int GetPostCodeFromAddr(char const* pszAddress, char const* pszOrgName, tagADDR& addr);
 
     // Strips pszName of blanks (EraseBlank) and of one legal form ("株式会社", "（有）", ...), in place although it is
-    // declared constant, leading forms before trailing ones. Returns the first position in the organisation index
+    // declared constant: the first form of the library's list that stands in front or behind. Returns the first position in the organisation index
     // whose name begins with the rest, -1 when there is none. A name of which nothing remains begins every name; null
     // and "" give -1. REQUIRES: writable memory.
     int SearchInc(char const* pszName);
@@ -192,7 +193,8 @@ class QEADRS_API CAddrDic {
 
     // Appends all current entries below the node, depth first, each a copy of addr with the texts of its levels. A
     // text of a level stays in the records of later siblings of other levels. In a damaged dictionary a child that is
-    // its own ancestor is passed over, and the walk ends with as many children as the dictionary has nodes.
+    // its own ancestor is passed over, the walk ends with as many children as the dictionary has nodes, and it goes no
+    // deeper than 256 nodes, more than there are levels.
     void recTraceNode(tagADDRNODE const* pNode, tagADDR addr, std::vector<tagADDR>& vAddr);
 
   private:

@@ -204,7 +204,8 @@ class CSubtreeWalk {
         if (pNode->nFirstChild == ADDR_NONE || pNode->nChildCount == 0 || nDepth == MAX_DEPTH) return;
         CPath const path = {pNode, pAbove};
         CNodeRange const children = ChildrenOf(m_owner, *pNode);
-        for (uint32_t n = children.nFirst; n < children.nEnd && m_nLeft > 0; ++n, --m_nLeft) {
+        for (uint32_t n = children.nFirst; n < children.nEnd && m_nLeft > 0; ++n) {
+            --m_nLeft; // before the child is walked: its own walk may use up the rest
             tagADDRNODE const* const pChild = m_owner.GetAddrNode(n);
             if (pChild->nChildCount != 0 && LiesOn(&path, pChild)) continue;
             StoreLevel(m_text, *pChild, addr);
@@ -225,7 +226,7 @@ class CSubtreeWalk {
 
 } // namespace
 
-// --- classification --------------------------------------------------------------------------------------------------
+// --- classification ------------------------------------------------------------------------------------------------
 
 unsigned short GetShikugunType(char const* pszName, unsigned short* pnType) {
     if (pszName == nullptr || pnType == nullptr) return 0;
@@ -255,7 +256,7 @@ unsigned short GetShikugunType(char const* pszName, unsigned short* pnType) {
     return nMarkerPos == 0 ? 0 : static_cast<unsigned short>(nMarkerPos + 2);
 }
 
-// --- separation ------------------------------------------------------------------------------------------------------
+// --- separation ----------------------------------------------------------------------------------------------------
 
 int CAddrDic::SeparatePref(char const** ppszText, tagADDR& addr) {
     if (ppszText == nullptr || *ppszText == nullptr || pImage == nullptr) return -1;
@@ -341,7 +342,7 @@ bool CAddrDic::DivideAddr(char const* pszText, tagADDR* pAddr) {
     return true;
 }
 
-// --- latest address --------------------------------------------------------------------------------------------------
+// --- latest address ------------------------------------------------------------------------------------------------
 
 uint32_t CAddrDic::GetLatestAddr(char const* pszText, tagADDR& addr) {
     tagADDRNODE const* const pTown = GetAddrNode(static_cast<unsigned long>(Separate(*this, &pszText, addr).nTown));
@@ -358,7 +359,7 @@ uint32_t CAddrDic::GetLatestAddr(char const* pszText, tagADDR& addr) {
     return 1;
 }
 
-// --- postal code from address ----------------------------------------------------------------------------------------
+// --- postal code from address --------------------------------------------------------------------------------------
 
 // The text only becomes shorter: nothing is ever written beyond what has been read.
 void CAddrDic::EraseBlank(char* pszText) {
@@ -428,10 +429,10 @@ int CAddrDic::GetAfterCityName(tagADDRNODE const* pNode, char* pszBuffer) {
     return 1;
 }
 
-// --- partial addresses -----------------------------------------------------------------------------------------------
+// --- partial addresses ---------------------------------------------------------------------------------------------
 
 void CAddrDic::recTraceNode(tagADDRNODE const* pNode, tagADDR addr, std::vector<tagADDR>& vAddr) {
-    if (pNode == nullptr) return;
+    if (pNode == nullptr || pImage == nullptr) return;
     CImageText const text(*this);
     CSubtreeWalk(*this, text, vAddr).Collect(pNode, addr);
 }

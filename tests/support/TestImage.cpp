@@ -2,7 +2,9 @@
 
 #include "dic/ImageHeader.h"
 
+#include <algorithm>
 #include <array>
+#include <stdexcept>
 
 namespace {
 
@@ -66,13 +68,55 @@ uint32_t CTestImage::AddInfoAt(uint32_t nNode, uint32_t nCode) {
     return static_cast<uint32_t>(vInfo.size() - 1);
 }
 
+uint32_t CTestImage::AddSuperseded(uint32_t nNode, std::string_view strCode, std::string_view strOldCode,
+                                   uint32_t nSuccessor) {
+    uint32_t const nInfo = AddInfo(nNode | ADDRINFO_SUPERSEDED, strCode, strOldCode);
+    for (int nShift = 0; nShift < 32; nShift += 8) strArea.push_back(static_cast<char>(nSuccessor >> nShift & 0xFF));
+    return nInfo;
+}
+
+void CTestImage::Complete() {
+    auto const Extend = [](uint32_t nNode, uint32_t& nFirst, uint32_t& nCount) {
+        if (nCount == 0) nFirst = nNode;
+        if (nNode != nFirst + nCount++) throw std::logic_error("a run of nodes is interrupted");
+    };
+    vCityIndex.clear();
+    vOfficeIndex.clear();
+    nPrefCount = nTownCount = 0;
+    uint32_t nCityCount = 0;
+    for (tagADDRNODE& node : vNode) node.nChildCount = 0;
+    for (uint32_t n = 0; n < vNode.size(); ++n) {
+        tagADDRNODE const& node = vNode[n];
+        if (node.nParent != ADDR_NONE) Extend(n, vNode.at(node.nParent).nFirstChild, vNode[node.nParent].nChildCount);
+        if (node.nLevel == LEVEL_PREF) Extend(n, nFirstPref, nPrefCount);
+        if (node.nLevel == LEVEL_CITY) Extend(n, nFirstCity, nCityCount);
+        if (node.nLevel == LEVEL_TOWN) Extend(n, nFirstTown, nTownCount);
+        if (node.nLevel == LEVEL_CITY) vCityIndex.push_back(n);
+        if (node.nLevel == LEVEL_OFFICE) vOfficeIndex.push_back(n);
+    }
+    for (uint32_t n = 0; n < vInfo.size(); ++n) {
+        tagADDRNODE& node = vNode.at(vInfo[n].nNode & ~ADDRINFO_SUPERSEDED);
+        if (node.nInfo == ADDR_NONE) node.nInfo = n;
+    }
+    auto const IsBefore = [this](uint32_t nLeft, uint32_t nRight) {
+        return std::strcmp(strArea.c_str() + vNode[nLeft].nName, strArea.c_str() + vNode[nRight].nName) < 0;
+    };
+    std::stable_sort(vCityIndex.begin(), vCityIndex.end(), IsBefore);
+    std::stable_sort(vOfficeIndex.begin(), vOfficeIndex.end(), IsBefore);
+}
+
 std::vector<unsigned char> CTestImage::Bytes() const {
     CTables tables;
     tables.Put(HDR_NODE_TABLE, HDR_NODE_COUNT, vNode);
     tables.Put(HDR_INFO_TABLE, HDR_INFO_COUNT, vInfo);
-    tables.Put(HDR_CITY_INDEX, HDR_CITY_COUNT, std::vector<uint32_t>());
-    tables.Put(HDR_OFFICE_INDEX, HDR_OFFICE_COUNT, std::vector<uint32_t>());
+    tables.Put(HDR_CITY_INDEX, HDR_CITY_COUNT, vCityIndex);
+    tables.Put(HDR_OFFICE_INDEX, HDR_OFFICE_COUNT, vOfficeIndex);
     tables.PutStrings(strArea);
+    tables.Set(HDR_FIRST_PREF, nFirstPref);
+    tables.Set(HDR_PREF_COUNT, nPrefCount);
+    tables.Set(HDR_FIRST_CITY, nFirstCity);
+    tables.Set(HDR_FIRST_TOWN, nFirstTown);
+    tables.Set(HDR_TOWN_COUNT, nTownCount);
     return tables.Finish();
 }
 

@@ -9,8 +9,9 @@
 //   auto vByte = image.Bytes();
 //   dic.SetDictionary(vByte.data());
 //
-// Nothing is sorted and nothing is linked downwards: records stand in the order of adding, child counts stay 0. The
-// string area is the last thing in the image, and the image's size is a multiple of 16.
+// Nothing is sorted and nothing is linked downwards: records stand in the order of adding, child counts stay 0, the
+// header knows of no level and the indexes are empty, unless Complete() fills all that in. The string area is the
+// last thing in the image, and the image's size is a multiple of 16.
 #ifndef QEADRS_TESTS_SUPPORT_TESTIMAGE_H
 #define QEADRS_TESTS_SUPPORT_TESTIMAGE_H
 
@@ -32,11 +33,22 @@ class CTestImage {
     // An entry whose code lies at the given offset: thousands of entries can share one.
     uint32_t AddInfoAt(uint32_t nNode, uint32_t nCode);
 
+    // An old address: nSuccessor is the entry that has taken its place, written directly behind the old code.
+    uint32_t AddSuperseded(uint32_t nNode, std::string_view strCode, std::string_view strOldCode,
+                           uint32_t nSuccessor);
+
+    // Makes the records a dictionary that can be read downwards: children, the nodes' entries (the first that names
+    // the node), the runs of prefectures, cities and towns, and both indexes. The entries stay in their order.
+    // REQUIRES: the prefectures, the cities, the towns, and the children of each node, were added in one go each.
+    void Complete();
+
     std::vector<unsigned char> Bytes() const;
 
     std::vector<tagADDRNODE> vNode;
     std::vector<tagADDRINFO> vInfo;
     std::string strArea;
+    std::vector<uint32_t> vCityIndex, vOfficeIndex; // the header counts as many city nodes as vCityIndex has entries
+    uint32_t nFirstPref = 0, nPrefCount = 0, nFirstCity = 0, nFirstTown = 0, nTownCount = 0;
 };
 
 // A prefecture, city and town, and one entry for the town: enough for most questions.
