@@ -1,11 +1,41 @@
-// ApiData.cpp - reading the API's answer blocks.
+// ApiData.cpp - filling the caller's records, reading the API's answer blocks.
 #include "cli/ApiData.h"
 
 #include "cli/Failure.h"
+#include "dic/AddrDic.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace qe {
+
+CAddressRecord::CAddressRecord(std::string const& strAddress, std::string const& strOffice)
+    : m_vByte(sizeof(tagADDRESSRECORD) + strOffice.size()) {
+    uint16_t const nSortType = SORT_DICTIONARY;
+    std::memcpy(m_vByte.data(), &nSortType, sizeof nSortType);
+    strAddress.copy(&m_vByte[offsetof(tagADDRESSRECORD, szAddress)], ADDRESS_LENGTH);
+    strOffice.copy(&m_vByte[offsetof(tagADDRESSRECORD, szOffice)], strOffice.size());
+}
+
+std::string CAddressRecord::OldCode() const {
+    return Field(offsetof(tagADDRESSRECORD, szOldCode), sizeof(tagADDRESSRECORD::szOldCode));
+}
+
+std::string CAddressRecord::Code() const {
+    return Field(offsetof(tagADDRESSRECORD, szCode), sizeof(tagADDRESSRECORD::szCode));
+}
+
+std::string CAddressRecord::Address() const {
+    return Field(offsetof(tagADDRESSRECORD, szAddress), sizeof(tagADDRESSRECORD::szAddress));
+}
+
+std::string CAddressRecord::Office() const {
+    return Field(offsetof(tagADDRESSRECORD, szOffice), m_vByte.size() - offsetof(tagADDRESSRECORD, szOffice));
+}
+
+std::string CAddressRecord::Field(size_t nOffset, size_t nSize) const {
+    return std::string(&m_vByte[nOffset], strnlen(&m_vByte[nOffset], nSize));
+}
 
 CBlock::CBlock(HGLOBAL hMem)
     : m_hMem(hMem), m_pStart(static_cast<char const*>(GlobalLock(hMem))), m_nSize(GlobalSize(hMem)) {

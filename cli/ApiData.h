@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qe {
 
@@ -25,6 +26,48 @@ struct tagCODERECORD {
     explicit tagCODERECORD(uint16_t nType) : nSortType(nType), szOldCode{}, szCode{} {}
 };
 static_assert(sizeof(tagCODERECORD) == 16 && offsetof(tagCODERECORD, szCode) == 8, "the caller's record");
+
+// The record that PstAdrGetZip and PstAdrGetLatestAdr take.
+//
+//   off size  field      meaning
+//     0    2  nSortType  as above; PstAdrGetLatestAdr does not read it
+//     2    6  szOldCode  out: old code; ends with its field or at a NUL
+//     8   15  szCode     out: postal code, in the same way
+//    23  122  szAddress  address; PstAdrGetLatestAdr writes the latest form back
+//   145    ?  szOffice   organisation; runs on to the end of the record
+struct tagADDRESSRECORD {
+    uint16_t nSortType;
+    char szOldCode[6];
+    char szCode[15];
+    char szAddress[122];
+    char szOffice[1];
+};
+static_assert(offsetof(tagADDRESSRECORD, nSortType) == 0 && offsetof(tagADDRESSRECORD, szOldCode) == 2);
+static_assert(offsetof(tagADDRESSRECORD, szCode) == 8 && offsetof(tagADDRESSRECORD, szAddress) == 23);
+static_assert(offsetof(tagADDRESSRECORD, szOffice) == 145, "the caller's record");
+
+// Bytes that an address field holds beside its NUL.
+constexpr size_t ADDRESS_LENGTH = sizeof(tagADDRESSRECORD::szAddress) - 1;
+static_assert(ADDRESS_LENGTH == 121);
+
+// Such a record, with room for an organisation's name of any length.
+class CAddressRecord {
+  public:
+    // REQUIRES: at most ADDRESS_LENGTH bytes of address, and no NUL in either text.
+    explicit CAddressRecord(std::string const& strAddress, std::string const& strOffice = "");
+
+    void* Pointer() { return m_vByte.data(); }
+
+    std::string OldCode() const;
+    std::string Code() const;
+    std::string Address() const;
+    std::string Office() const;
+
+  private:
+    std::string Field(size_t nOffset, size_t nSize) const; // up to its NUL, or its end
+
+    std::vector<char> m_vByte;
+};
 
 // An answer block: locked while the object lives, freed with it. Reading outside the block throws CFailure.
 class CBlock {

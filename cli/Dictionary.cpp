@@ -187,10 +187,15 @@ void CDictionary::SetSortType(unsigned short nType) {
     m_dic.SetSortType(nType);
 }
 
-std::string CDictionary::Text(char const* psz) const {
+bool CDictionary::Holds(char const* psz) const {
     auto const* const p = reinterpret_cast<unsigned char const*>(psz);
-    if (psz == nullptr || p < m_mapping.Bytes() || p >= m_mapping.Bytes() + m_mapping.Size()) return "";
-    return std::string(psz, strnlen(psz, m_mapping.Size() - static_cast<size_t>(p - m_mapping.Bytes())));
+    return psz != nullptr && p >= m_mapping.Bytes() && p < m_mapping.Bytes() + m_mapping.Size();
+}
+
+std::string CDictionary::Text(char const* psz) const {
+    if (!Holds(psz)) return "";
+    auto const nOffset = static_cast<size_t>(reinterpret_cast<unsigned char const*>(psz) - m_mapping.Bytes());
+    return std::string(psz, strnlen(psz, m_mapping.Size() - nOffset));
 }
 
 } // namespace qe

@@ -56,6 +56,9 @@ class CDictionary {
     // A copy of a text of the class's answers, "" for null; never reads beyond the mapping.
     std::string Text(char const* psz) const;
 
+    // Whether a text of the class's answers is the dictionary's; false for null and for a part of the text asked for.
+    bool Holds(char const* psz) const;
+
   private:
     std::string m_strFile;
     CMapping m_mapping;

@@ -1,6 +1,7 @@
 // Text.cpp - folding, cleaning and measuring of UTF-8 texts, over utf8proc.
 #include "cli/Text.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <new>
@@ -83,6 +84,28 @@ bool IsBlank(std::string_view strText) {
     return true;
 }
 
+std::string_view Trim(std::string_view strText) {
+    std::string_view strRest = strText;
+    size_t nFirst = strText.size(); // the first character that is no blank, and the end of the last one
+    size_t nEnd = strText.size();
+    while (!strRest.empty()) {
+        size_t const nAt = strText.size() - strRest.size();
+        utf8proc_int32_t const nChar = TakeCharacter(strRest);
+        if (nChar >= 0 && IsSpace(nChar)) continue;
+        nFirst = std::min(nFirst, nAt);
+        nEnd = strText.size() - strRest.size();
+    }
+    return strText.substr(nFirst, nEnd - nFirst);
+}
+
+std::string DropWideBlanks(std::string_view strText) {
+    constexpr std::string_view WIDE_BLANK = "\u3000"; // its bytes never begin within another character
+    std::string str(strText);
+    for (size_t n = str.find(WIDE_BLANK); n != std::string::npos; n = str.find(WIDE_BLANK, n))
+        str.erase(n, WIDE_BLANK.size());
+    return str;
+}
+
 std::string Clean(std::string_view strText) {
     std::string strClean;
     while (!strText.empty()) {
@@ -95,11 +118,21 @@ std::string Clean(std::string_view strText) {
     return strClean;
 }
 
-std::string Quote(std::string_view strText) {
+std::string Shorten(std::string_view strText) {
     std::string const strClean = Clean(strText);
     std::string_view strRest = strClean;
     for (int i = 0; i < LONGEST_QUOTE && !strRest.empty(); ++i) TakeCharacter(strRest);
-    return '"' + strClean.substr(0, strClean.size() - strRest.size()) + (strRest.empty() ? "\"" : "...\"");
+    return strClean.substr(0, strClean.size() - strRest.size()) + (strRest.empty() ? "" : "...");
+}
+
+std::string Quote(std::string_view strText) {
+    return '"' + Shorten(strText) + '"';
+}
+
+std::string Grouped(size_t n) {
+    std::string str = std::to_string(n);
+    for (size_t i = str.size(); i > 3;) str.insert(i -= 3, 1, ',');
+    return str;
 }
 
 size_t DisplayWidth(std::string_view strText) {

@@ -18,12 +18,22 @@ std::optional<std::string> FoldCode(std::string_view strText);
 // Nothing but blanks, of any width; also the empty text.
 bool IsBlank(std::string_view strText);
 
+// The text without the blanks before and behind it.
+std::string_view Trim(std::string_view strText);
+
+// The text without its ideographic spaces (U+3000).
+std::string DropWideBlanks(std::string_view strText);
+
 // The same text fit for one cell of a line: a control character or line separator becomes a blank, a byte that is not
 // UTF-8 becomes U+FFFD.
 std::string Clean(std::string_view strText);
 
-// A text for a message: clean, in quotation marks, cut after 40 characters.
+// A text for a message: clean, cut after 40 characters; and the same in quotation marks.
+std::string Shorten(std::string_view strText);
 std::string Quote(std::string_view strText);
+
+// A number as people read it: "1,234".
+std::string Grouped(size_t n);
 
 // Columns that a text takes on a terminal: east-asian wide characters two, combining marks none, all others one.
 // REQUIRES: valid UTF-8, as Clean returns it.

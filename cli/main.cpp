@@ -1,12 +1,19 @@
 // qeadrs - looks up Japanese postal addresses: options in, exit status out.
+#include "cli/AddrCommand.h"
 #include "cli/Failure.h"
+#include "cli/FindCommand.h"
+#include "cli/LatestCommand.h"
 #include "cli/Output.h"
+#include "cli/Text.h"
 #include "cli/ZipCommand.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
+#include <cstdint>
+#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <memory>
@@ -25,6 +32,23 @@ constexpr char ZIP_HELP[] =
     "prefecture, city, town, area, building, floor, organisation (with --kana also the readings of all but codes\n"
     "and floor; with --cities the code asked for, prefecture, city). In JSON a level that is absent is null.\n";
 
+constexpr char ADDR_HELP[] =
+    "Names are read from the front as the dictionary spells them: prefecture, city, town; the first or the first\n"
+    "two may be left out. Columns: postal code, old code, prefecture, city, town, rest (what was not read); with\n"
+    "--org the organisation when the code is its own, which needs all three names in the text; with --kana the\n"
+    "readings of the three names. An address may have 121 bytes.\n";
+
+constexpr char LATEST_HELP[] =
+    "Columns: address (its latest form, whole where the library cuts it after 60 bytes), postal code and old code\n"
+    "(still those of the address as it was), changed (\"yes\": prefecture, city or town were replaced; \"no\"),\n"
+    "latest code (what `qeadrs addr` answers for the latest form). An address names its town, and may have 121\n"
+    "bytes.\n";
+
+constexpr char FIND_HELP[] =
+    "A text that begins with a whole prefecture stands for all below the levels that it names, any other one for\n"
+    "all below the prefectures and cities whose names it begins. Columns are those of `qeadrs zip`; behind a whole\n"
+    "town the area holds the rest of the text. How many there are is remarked on standard error.\n";
+
 // The help in our own words: a command is introduced by its name, and options are not followed by their relations.
 class CHelp : public CLI::Formatter {
   public:
@@ -35,7 +59,9 @@ class CHelp : public CLI::Formatter {
     std::string make_usage(CLI::App const* pApp, std::string) const override {
         if (pApp->get_parent() == nullptr)
             return "Usage: qeadrs COMMAND [OPTION...] [TEXT...]     (no TEXT: one per line from standard input)\n";
-        return "Usage: qeadrs " + pApp->get_name() + " [OPTION...] [CODE...]\n";
+        CLI::Option const* const pText =
+            pApp->get_options([](CLI::Option const* p) { return p->get_positional(); })[0];
+        return "Usage: qeadrs " + pApp->get_name() + " [OPTION...] [" + pText->get_single_name() + "...]\n";
     }
     std::string make_option_opts(CLI::Option const* pOption) const override {
         return pOption->get_type_name().empty() ? "" : " " + pOption->get_type_name();
@@ -69,6 +95,52 @@ void AddZip(CLI::App& app, CZipOptions& options, CCommonOptions& common, EExit& 
     pZip->callback([&options, &common, &nStatus] { nStatus = RunZip(options, common); });
 }
 
+void AddAddr(CLI::App& app, CAddrOptions& options, CCommonOptions& common, EExit& nStatus) {
+    CLI::App* const pAddr = app.add_subcommand("addr", "postal codes of addresses")->group("Commands");
+    pAddr->add_option("TEXT", options.vText, "addresses (none: one per line from standard input)")->type_name("");
+    pAddr->add_option("--org", options.strOffice, "organisation there, as its name begins")->type_name("NAME");
+    pAddr->add_flag("--kana", options.bKana, "readings, too");
+    AddCommon(*pAddr, common);
+    pAddr->footer(std::string(ADDR_HELP) + EXIT_HELP);
+    pAddr->callback([&options, &common, &nStatus] { nStatus = RunAddr(options, common); });
+}
+
+void AddLatest(CLI::App& app, CLatestOptions& options, CCommonOptions& common, EExit& nStatus) {
+    CLI::App* const pLatest = app.add_subcommand("latest", "old addresses in their latest form")->group("Commands");
+    pLatest->add_option("TEXT", options.vText, "addresses (none: one per line from standard input)")->type_name("");
+    AddCommon(*pLatest, common);
+    pLatest->footer(std::string(LATEST_HELP) + EXIT_HELP);
+    pLatest->callback([&options, &common, &nStatus] { nStatus = RunLatest(options, common); });
+}
+
+// Why the text is no number, "" when it is one.
+std::string CheckCount(std::string const& strText) {
+    bool const bNumber = !strText.empty() && strText.find_first_not_of("0123456789") == std::string::npos;
+    return bNumber ? "" : Quote(strText) + " is no number of addresses.";
+}
+
+// A number beyond all numbers of addresses is the largest one. REQUIRES: digits only.
+size_t ReadCount(std::string const& strText) {
+    return static_cast<size_t>(std::min<unsigned long long>(std::strtoull(strText.c_str(), nullptr, 10), SIZE_MAX));
+}
+
+void AddFind(CLI::App& app, CFindOptions& options, CCommonOptions& common, EExit& nStatus) {
+    CLI::App* const pFind =
+        app.add_subcommand("find", "addresses that partial texts can stand for")->group("Commands");
+    pFind->add_option("TEXT", options.vText, "beginnings of addresses (none: one per line from standard input)")
+        ->type_name("");
+    pFind
+        ->add_option_function<std::string>(
+            "--limit", [&options](std::string const& strText) { options.nLimit = ReadCount(strText); },
+            "print the first N of each text only; 0 just counts")
+        ->check(CheckCount)
+        ->type_name("N");
+    pFind->add_flag("--kana", options.bKana, "readings, too");
+    AddCommon(*pFind, common);
+    pFind->footer(std::string(FIND_HELP) + EXIT_HELP);
+    pFind->callback([&options, &common, &nStatus] { nStatus = RunFind(options, common); });
+}
+
 int Run(int nArguments, char** ppszArgument) {
     CLI::App app("look up Japanese postal addresses", "qeadrs");
     app.formatter(std::make_shared<CHelp>());
@@ -82,8 +154,14 @@ int Run(int nArguments, char** ppszArgument) {
     });
     CCommonOptions common;
     CZipOptions zipOptions;
+    CAddrOptions addrOptions;
+    CLatestOptions latestOptions;
+    CFindOptions findOptions;
     EExit nStatus = EXIT_FOUND;
     AddZip(app, zipOptions, common, nStatus);
+    AddAddr(app, addrOptions, common, nStatus);
+    AddLatest(app, latestOptions, common, nStatus);
+    AddFind(app, findOptions, common, nStatus);
     try {
         app.parse(nArguments, ppszArgument);
     } catch (CLI::ParseError const& error) {

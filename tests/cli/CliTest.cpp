@@ -88,12 +88,21 @@ CResult CliTest::RunOnTerminal(std::vector<std::string> vArgument, std::string c
     return {nStatus, strOut, ReadFile(Path("stderr"))};
 }
 
+CResult CliTest::Ask(std::string const& strCommand, std::vector<std::string> vArgument, std::string const& strInput) {
+    return Run(WithDic(strCommand, Sample(), std::move(vArgument)), strInput);
+}
+
+CResult CliTest::AskOnTerminal(std::string const& strCommand, std::vector<std::string> vArgument,
+                               std::string const& strInput) {
+    return RunOnTerminal(WithDic(strCommand, Sample(), std::move(vArgument)), strInput);
+}
+
 CResult CliTest::Zip(std::vector<std::string> vArgument, std::string const& strInput) {
-    return Run(WithDic(Sample(), std::move(vArgument)), strInput);
+    return Ask("zip", std::move(vArgument), strInput);
 }
 
 CResult CliTest::ZipOnTerminal(std::vector<std::string> vArgument, std::string const& strInput) {
-    return RunOnTerminal(WithDic(Sample(), std::move(vArgument)), strInput);
+    return AskOnTerminal("zip", std::move(vArgument), strInput);
 }
 
 std::string CliTest::WriteFile(std::string const& strName, std::string const& strContent) const {
@@ -109,24 +118,35 @@ void CliTest::UseProfile(std::string const& strDicDir) {
 std::string CliTest::WriteDictionary(std::vector<CEntryText> const& vEntry) const {
     qe::CImageWriter writer;
     std::vector<std::pair<CNodeText, uint32_t>> vOpen; // the last entry's path and its nodes
+    std::vector<uint32_t> vId;
     for (CEntryText const& entry : vEntry) {
         size_t nShared = 0;
         while (nShared < vOpen.size() && nShared < entry.vPath.size() &&
                vOpen[nShared].first.strName == entry.vPath[nShared].strName)
             ++nShared;
         vOpen.resize(nShared);
-        for (size_t i = nShared; i < entry.vPath.size(); ++i)
+        for (size_t i = nShared; i < entry.vPath.size(); ++i) {
             vOpen.emplace_back(entry.vPath[i], writer.AddNode(vOpen.empty() ? ADDR_NONE : vOpen.back().second,
                                                               entry.vPath[i].nLevel, entry.vPath[i].strName));
-        writer.AddEntry(vOpen.back().second, entry.strCode, entry.strCode.substr(0, 3));
+            if (entry.vPath[i].nLevel == LEVEL_OFFICE) writer.AddOffice(vOpen.back().second);
+        }
+        vId.push_back(writer.AddEntry(vOpen.back().second, entry.strCode,
+                                      entry.strOldCode.value_or(entry.strCode.substr(0, 3))));
     }
+    for (size_t i = 0; i < vEntry.size(); ++i)
+        if (vEntry[i].nSuccessor >= 0) writer.Supersede(vId[i], vId[static_cast<size_t>(vEntry[i].nSuccessor)]);
     std::vector<unsigned char> const vByte = writer.Write().vByte;
     return WriteFile("own.dic", std::string(vByte.begin(), vByte.end()));
 }
 
-std::vector<std::string> WithDic(std::string const& strDic, std::vector<std::string> vArgument) {
-    vArgument.insert(vArgument.begin(), {"zip", "--dic", strDic});
+std::vector<std::string> WithDic(std::string const& strCommand, std::string const& strDic,
+                                 std::vector<std::string> vArgument) {
+    vArgument.insert(vArgument.begin(), {strCommand, "--dic", strDic});
     return vArgument;
+}
+
+std::vector<std::string> WithDic(std::string const& strDic, std::vector<std::string> vArgument) {
+    return WithDic("zip", strDic, std::move(vArgument));
 }
 
 std::string ReadFile(std::string const& strFile) {

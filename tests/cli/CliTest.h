@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,8 @@ struct CResult {
     std::string strErr;
 };
 
-// One row of a small dictionary of the test's own: names from the prefecture down, with the levels' numbers.
+// One row of a small dictionary of the test's own: names from the prefecture down, with the levels' numbers. An
+// organisation (level 7) is in the index of organisations.
 struct CNodeText {
     uint8_t nLevel;
     std::string strName;
@@ -26,6 +28,8 @@ struct CNodeText {
 struct CEntryText {
     std::string strCode;
     std::vector<CNodeText> vPath;
+    int nSuccessor = -1;                        // position of the row that replaces this one
+    std::optional<std::string> strOldCode = {}; // else the first three digits of the code
 };
 
 class CliTest : public testing::Test {
@@ -39,7 +43,11 @@ class CliTest : public testing::Test {
     CResult Run(std::vector<std::string> vArgument, std::string const& strInput = "");
     // The same with the output on a terminal.
     CResult RunOnTerminal(std::vector<std::string> vArgument, std::string const& strInput = "");
-    // "zip" over the sample, with these arguments.
+    // A command over the sample, with these arguments.
+    CResult Ask(std::string const& strCommand, std::vector<std::string> vArgument, std::string const& strInput = "");
+    CResult AskOnTerminal(std::string const& strCommand, std::vector<std::string> vArgument,
+                          std::string const& strInput = "");
+    // "zip" over the sample.
     CResult Zip(std::vector<std::string> vArgument, std::string const& strInput = "");
     CResult ZipOnTerminal(std::vector<std::string> vArgument, std::string const& strInput = "");
     pid_t StartCommand(std::vector<std::string> vArgument, int hIn, int hOut, int hErr);
@@ -60,7 +68,9 @@ class CliTest : public testing::Test {
     static std::filesystem::path s_pathSample;
 };
 
-// The zip arguments with "--dic" of a file in front.
+// The command and its arguments, with "--dic" of a file between them; the same for zip.
+std::vector<std::string> WithDic(std::string const& strCommand, std::string const& strDic,
+                                 std::vector<std::string> vArgument);
 std::vector<std::string> WithDic(std::string const& strDic, std::vector<std::string> vArgument);
 
 std::string ReadFile(std::string const& strFile);

@@ -1,0 +1,78 @@
+// LatestCommand.cpp - `qeadrs latest`: from an address to its latest form.
+//
+// The API rewrites the address (PstAdrGetLatestAdr), but does not tell whether it knew it, and cuts what it writes.
+// The class tells both.
+#include "cli/LatestCommand.h"
+
+#include "api/Pstexec.h"
+#include "cli/Address.h"
+#include "cli/ApiData.h"
+#include "cli/Command.h"
+
+namespace qe {
+
+namespace {
+
+bool AreEqual(char const* psz, char const* pszOther) {
+    return psz == nullptr || pszOther == nullptr ? psz == pszOther : std::string_view(psz) == pszOther;
+}
+
+class CLatestCommand : public CCommand {
+  public:
+    explicit CLatestCommand(CCommonOptions const& common)
+        : CCommand(common, {"address", "postal_code", "old_code", "changed", "latest_code"}, "address") {}
+
+  private:
+    std::string ReadQuery(std::string const& strText) const override { return ReadAddressField(strText); }
+
+    void Answer(std::string const& strAddress) override {
+        CAddressRecord record(strAddress);
+        PstAdrGetLatestAdr(record.Pointer());
+        tagADDR latest(0);
+        if (Dictionary().Class().GetLatestAddr(strAddress.c_str(), latest) == 0) {
+            std::string const strLevels = DescribeLevels(Dictionary(), latest);
+            return ReportNotFound(strAddress, strLevels.empty() ? "" : "recognised: " + strLevels);
+        }
+        std::string const strLatest = Whole(record.Address(), latest);
+        Print({strLatest, record.Code(), record.OldCode(), IsChanged(strAddress, latest) ? "yes" : "no",
+               LatestCode(strLatest)});
+    }
+
+    // The address that the API has written, with the end that it has cut off.
+    std::string Whole(std::string const& strWritten, tagADDR const& latest) {
+        std::string strJoin;
+        for (char const* psz : {latest.pszPref, latest.pszCity, latest.pszTown}) strJoin += Dictionary().Text(psz);
+        strJoin += latest.pszArea; // there, and in the caller's text, when a town was found
+        bool const bCut =
+            strJoin.size() > strWritten.size() && strJoin.compare(0, strWritten.size(), strWritten) == 0;
+        return bCut ? strJoin : strWritten;
+    }
+
+    bool IsChanged(std::string const& strAddress, tagADDR const& latest) {
+        tagADDR given(0);
+        Dictionary().Class().DivideAddr(strAddress.c_str(), &given);
+        return !AreEqual(given.pszPref, latest.pszPref) || !AreEqual(given.pszCity, latest.pszCity) ||
+               !AreEqual(given.pszTown, latest.pszTown);
+    }
+
+    // The code of the address as it is now; "" when it has none. The names may have become longer than the API's
+    // field: the class, which the API asks, has no limit.
+    std::string LatestCode(std::string const& strLatest) {
+        if (strLatest.size() <= ADDRESS_LENGTH) {
+            CAddressRecord record(strLatest);
+            PstAdrGetZip(record.Pointer()); // leaves the code empty when there is none
+            return record.Code();
+        }
+        tagADDR addr(0);
+        Dictionary().Class().GetPostCodeFromAddr(strLatest.c_str(), nullptr, addr);
+        return Dictionary().Text(addr.pszPostCode);
+    }
+};
+
+} // namespace
+
+EExit RunLatest(CLatestOptions const& options, CCommonOptions const& common) {
+    return CLatestCommand(common).Run(options.vText);
+}
+
+} // namespace qe
