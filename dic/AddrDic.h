@@ -174,8 +174,9 @@ class QEADRS_API CAddrDic {
     void EraseBlank(char* pszText);
 
     // Puts the names of the node and of all above it, below the city, in front of what pszBuffer holds: towns and
-    // buildings; a floor or an organisation replaces what is there. Always 1. REQUIRES: pszBuffer holds a text ("" at
-    // first) and has room for all names; 1,024 bytes are enough for any dictionary of our compiler.
+    // buildings; a floor or an organisation replaces what is there. Writes nothing when the parents of a damaged
+    // dictionary go in a circle. Always 1. REQUIRES: pszBuffer holds a text ("" at first) and has room for all names;
+    // 1,024 bytes are enough for any dictionary of our compiler.
     int GetAfterCityName(tagADDRNODE const* pNode, char* pszBuffer);
 
     // Appends every current address that a partial text can stand for, in order of discovery: all that lies below the

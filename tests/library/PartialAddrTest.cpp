@@ -288,6 +288,14 @@ TEST_F(DamagedTree, PassesOverAnAncestorAndListsTheOthers) {
     EXPECT_THAT(Traced(dic, 0), AllOf(SizeIs(AllOf(Ge(2u), Le(4u))), testing::Contains("0 : ///a///")));
 }
 
+TEST_F(DamagedTree, PassesOverTheParentOfAParent) {
+    CTextWorld world;
+    world.vNode[world.nArea].nFirstChild = world.nMinato; // 港区 > 芝 > １丁目 > 港区
+    world.vNode[world.nArea].nChildCount = 1;
+    CGuardedDic dic(world);
+    EXPECT_THAT(Traced(dic, world.nMinato), ElementsAre("1050014 105: //芝////", "1050015 105: //芝/１丁目///"));
+}
+
 TEST_F(DamagedTree, WhereEveryNodeHasAllNodesForChildrenComesToAnEnd) {
     CTextWorld world;
     for (uint32_t nCount : {static_cast<uint32_t>(world.vNode.size()), 0xFFFFFFFFu}) {
