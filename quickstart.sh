@@ -31,11 +31,18 @@ first_of() {
     return 1
 }
 
-# compile_tables DIR: the official tables in DIR, whatever their form.
+# compile_tables DIR: the official tables in DIR, whatever their form, and earlier editions of them.
 compile_tables() {
-    towns=$(first_of "$1/utf_ken_all.zip" "$1/utf_ken_all.csv" "$1/ken_all.zip" "$1/KEN_ALL.CSV") || return 1
-    offices=$(first_of "$1/jigyosyo.zip" "$1/JIGYOSYO.CSV") || offices=
-    "$BIN/qeadrs-dic" build -q --towns "$towns" ${offices:+--offices "$offices"} -o "$DICTIONARY" || return 1
+    tables=$1
+    towns=$(first_of "$tables/utf_ken_all.zip" "$tables/utf_ken_all.csv" "$tables/ken_all.zip" "$tables/KEN_ALL.CSV") ||
+        return 1
+    offices=$(first_of "$tables/jigyosyo.zip" "$tables/JIGYOSYO.CSV") || offices=
+    set -- --towns "$towns"
+    [ -z "$offices" ] || set -- "$@" --offices "$offices"
+    for file in "$tables"/history/ken_all-*.zip "$tables"/ken_all-*.zip; do
+        [ ! -f "$file" ] || set -- "$@" --previous "$file"
+    done
+    "$BIN/qeadrs-dic" build -q "$@" -o "$DICTIONARY" || return 1
     LACKS="nothing"
     [ -n "$offices" ] || LACKS="organisations (no jigyosyo.zip beside the town table)"
 }
@@ -80,7 +87,7 @@ from_skkdic() {
 from_sample() {
     say "source: the sample in data/sample/"
     "$BIN/qeadrs-dic" build -q --towns data/sample/utf_ken_all.csv --offices data/sample/JIGYOSYO.CSV --sample \
-        -o "$DICTIONARY"
+        --previous data/sample/previous-2018-01.csv -o "$DICTIONARY"
     WHAT="the hand-written sample in data/sample/"
     LACKS="nearly everything: a few hundred addresses, for a first look only"
 }
@@ -121,6 +128,8 @@ cat <<END
 Try next (QE_PROFILE=$QE_PROFILE):
     $BIN/qeadrs zip 060-0042               one code
     $BIN/qeadrs zip --kana 100             everything below a leading part, with readings
+    $BIN/qeadrs addr 東京都千代田区千代田１－１   the code of an address
+    $BIN/qeadrs find 東京都千代田区        all addresses that a text can stand for
     $BIN/qeadrs zip --json 9808485         for programs
     $BIN/qeadrs-dic info $DICTIONARY
     ./check.sh                             all tests

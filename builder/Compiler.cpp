@@ -1,6 +1,7 @@
 // Compiler.cpp - from the rows of the postal tables to a dictionary image.
 #include "builder/Compiler.h"
 
+#include "builder/CompilerCity.h"
 #include "builder/Error.h"
 #include "builder/Text.h"
 #include "builder/TownText.h"
@@ -24,25 +25,27 @@ int FindPrefRow(std::string const& strPref) {
     return -1;
 }
 
+// An organisation's name as a search for it arrives at the index: without ideographic spaces, then normalised by the
+// library itself, which strips blanks, one legal form and, of every character of the block around the ideographic
+// space, the first two bytes. Made of the whole name: without its blanks many a long one fits.
+std::string SearchedName(std::string const& strName) {
+    std::string strSearched;
+    for (size_t nPos = 0; nPos < strName.size();) {
+        std::string_view const strRest = std::string_view(strName).substr(nPos);
+        size_t const nSize = CharacterSize(strRest);
+        if (!BeginsWith(strRest, "　")) strSearched += strRest.substr(0, nSize);
+        nPos += nSize;
+    }
+    CAddrDic().SearchInc(strSearched.data());
+    strSearched.resize(std::strlen(strSearched.c_str()));
+    return CutName(strSearched, NAME_LIMIT);
+}
+
 std::string Key(std::string const& strFirst, std::string const& strSecond) {
     return strFirst + '\n' + strSecond;
 }
 
 } // namespace
-
-// A city and what is needed to find its towns again.
-struct CCompiler::CCity {
-    CPlace* pPlace = nullptr;
-    std::unordered_map<std::string, CPlace*> mapTown;              // by name and reading
-    std::unordered_map<std::string, std::vector<CPlace*>> mapName; // by name alone, in order
-    std::unordered_map<std::string, CPlace*> mapFolded;   // by folded name, the first; made for organisations
-    std::unordered_map<std::string, CPlace*> mapBuilding; // by town and building name
-    std::unordered_map<std::string, CPlace*> mapRest;     // an organisation's level 3, by town and text
-    std::vector<CTownRow const*> vFloor;                  // rows to be placed once all towns are known
-    bool bFolded = false;
-    CPlace* pDefault = nullptr; // the place whose entry stands for the whole city
-    bool bDefaultIsWhole = false;
-};
 
 CCompiler::CCompiler(CStatistics& statistics) : m_statistics(statistics), m_vPref(PREF_ORDER_ROWS, nullptr) {}
 CCompiler::~CCompiler() = default;
@@ -63,9 +66,12 @@ CCompiler::CPlace* CCompiler::NewPlace(CPlace* pParent, uint8_t nLevel, std::str
         ++m_statistics["names_cut"];
         Remark("cut to " + std::to_string(NAME_LIMIT) + " bytes: " + strName);
     }
-    m_vPlace.push_back({nLevel, std::move(strFitting), strKana, {}, {}, {}, ADDR_NONE, ADDR_NONE, false});
-    if (pParent != nullptr) pParent->vChild.push_back(&m_vPlace.back());
-    return &m_vPlace.back();
+    CPlace& place = m_vPlace.emplace_back();
+    place.nLevel = nLevel;
+    place.strName = std::move(strFitting);
+    place.strKana = strKana;
+    if (pParent != nullptr) pParent->vChild.push_back(&place);
+    return &place;
 }
 
 CCompiler::CCity& CCompiler::FindOrAddCity(CTownRow const& row) {
@@ -216,7 +222,10 @@ CCompiler::CPlace* CCompiler::OfficeTown(CCity& city, COfficeRow const& row) {
         return FindOrAddTown(city, "", "");
     }
     if (auto const pFound = city.mapName.find(row.strTown); pFound != city.mapName.end()) {
-        CPlace* const pTown = pFound->second.front();
+        // Of towns that are written alike the first with a code stands first in the end: an address finds that one.
+        auto const& vAlike = pFound->second;
+        auto const pCoded = std::find_if(vAlike.begin(), vAlike.end(), [](auto p) { return !p->strCode.empty(); });
+        CPlace* const pTown = pCoded != vAlike.end() ? *pCoded : vAlike.front();
         ++m_statistics[pTown->bAdded ? "offices_in_towns_added" : "offices_in_towns_spelled_alike"];
         return pTown;
     }
@@ -252,7 +261,9 @@ void CCompiler::AddOffices(std::vector<COfficeRow> const& vRow, std::string cons
             if (pRest == nullptr) pRest = NewPlace(pPlace, LEVEL_AREA, row.strRest, "");
             pPlace = pRest;
         }
-        SetCode(NewPlace(pPlace, LEVEL_OFFICE, row.strName, row.strKana), row.strCode, row.strOldCode);
+        CPlace* const pOffice = NewPlace(pPlace, LEVEL_OFFICE, row.strName, row.strKana);
+        SetCode(pOffice, row.strCode, row.strOldCode);
+        pOffice->strAlias = SearchedName(row.strName);
     }
 }
 
@@ -303,7 +314,11 @@ class CCompiler::CTownOrder {
 void CCompiler::WritePlace(CImageWriter& writer, CPlace& place, uint32_t nParent) {
     uint32_t const nNode = writer.AddNode(nParent, place.nLevel, place.strName, place.strKana);
     if (!place.strCode.empty()) place.nEntry = writer.AddEntry(nNode, place.strCode, place.strOldCode);
-    if (place.nLevel == LEVEL_OFFICE) writer.AddOffice(nNode);
+    if (place.nLevel == LEVEL_OFFICE) {
+        writer.AddOffice(nNode);
+        if (!place.strAlias.empty()) writer.AddOffice(writer.AddAlias(nNode, place.strAlias));
+        ++m_statistics[place.strAlias.empty() ? "offices_without_alias" : "office_aliases"];
+    }
     place.nNode = nNode;
     for (CPlace* pChild : place.vChild) WritePlace(writer, *pChild, nNode);
 }
@@ -312,10 +327,10 @@ CImage CCompiler::Compile(uint32_t nEdition, ESource nSource) {
     if (m_vCity.empty()) throw CBuildError("The town table has no rows: there is nothing to compile.");
     CImageWriter writer;
     writer.SetIdentification(nEdition, nSource);
-    for (CCity& city : m_vCity) {
-        city.pPlace->vChild = CTownOrder(city.pPlace->vChild).Take();
+    for (CCity const& city : m_vCity) // today's alone
         if (city.pDefault == nullptr) ++m_statistics["cities_without_code"];
-    }
+    PlaceSuperseded();
+    for (CCity& city : m_vCity) city.pPlace->vChild = CTownOrder(city.pPlace->vChild).Take();
     for (CPlace* pPref : m_vPref) {
         if (pPref == nullptr) ++m_statistics["prefectures_missing"];
         if (pPref != nullptr) WritePlace(writer, *pPref, ADDR_NONE);
@@ -323,13 +338,33 @@ CImage CCompiler::Compile(uint32_t nEdition, ESource nSource) {
     // An address that stops at the city finds the entry that stands for the whole of it.
     for (CCity const& city : m_vCity)
         if (city.pDefault != nullptr) writer.Refer(city.pPlace->nNode, city.pDefault->nEntry);
-    m_statistics["cities"] = m_vCity.size();
+    ReferSingleCodes(writer);
+    for (CPlace const& place : m_vPlace)
+        if (place.pSuccessor != nullptr) writer.Supersede(place.nEntry, place.pSuccessor->nEntry);
+    m_statistics["cities"] = m_vCity.size() - m_statistics.Get("superseded_cities");
     m_statistics["nodes"] = writer.NodeCount();
     m_statistics["entries"] = writer.EntryCount();
     CImage image = writer.Write();
     CountUnreachableOldCodes(image);
     m_statistics["bytes"] = image.vByte.size();
     return image;
+}
+
+// A town without a code of its own whose subdivisions all have the same one refers to the first of them: whoever
+// writes 札幌市中央区北四条東 means 060-0034, whatever the number.
+void CCompiler::ReferSingleCodes(CImageWriter& writer) {
+    for (CPlace const& town : m_vPlace) {
+        if (town.nLevel != LEVEL_TOWN || town.strName.empty() || !town.strCode.empty()) continue;
+        CPlace const* pFirst = nullptr;
+        bool bOne = true;
+        ForEachWithCode(town, [&](CPlace const& place) {
+            if (pFirst == nullptr) pFirst = &place;
+            bOne = bOne && place.strCode == pFirst->strCode;
+        });
+        if (pFirst == nullptr) continue;
+        ++m_statistics[bOne ? "towns_with_the_one_code_of_their_areas" : "towns_with_several_codes_and_no_default"];
+        if (bOne) writer.Refer(town.nNode, pFirst->nEntry);
+    }
 }
 
 void CCompiler::CountUnreachableOldCodes(CImage const& image) {

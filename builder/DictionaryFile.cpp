@@ -43,7 +43,7 @@ struct CLevel {
 constexpr CLevel LEVELS[] = {{"prefectures", HDR_PREF_COUNT},
                              {"cities", HDR_CITY_COUNT},
                              {"towns", HDR_TOWN_COUNT},
-                             {"organisations", HDR_OFFICE_COUNT}};
+                             {"organisation names", HDR_OFFICE_COUNT}};
 
 // Walks the tree downwards in the order of the nodes. A child is visited only from the parent that it names, and
 // parents come before their children, so the walk ends on any file.

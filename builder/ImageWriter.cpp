@@ -68,8 +68,13 @@ class CImageLayout {
         m_vChildCount.assign(nCount, 0);
         std::vector<std::vector<uint32_t>> vDepth; // node ids by depth, in order of adding
         std::vector<uint32_t> vDepthOf(nCount, 0);
+        std::vector<uint32_t> vAlias;
         for (uint32_t nId = 0; nId < nCount; ++nId) {
             uint32_t const nParent = Node(nId).nParent;
+            if (Node(nId).bAlias) {
+                vAlias.push_back(nId);
+                continue;
+            }
             if (nParent != ADDR_NONE) {
                 vDepthOf[nId] = vDepthOf[nParent] + 1;
                 ++m_vChildCount[nParent];
@@ -77,6 +82,7 @@ class CImageLayout {
             if (vDepthOf[nId] == vDepth.size()) vDepth.emplace_back();
             vDepth[vDepthOf[nId]].push_back(nId);
         }
+        vDepth.push_back(std::move(vAlias)); // like a depth below all others
         m_image.vNodeIndex.assign(nCount, ADDR_NONE);
         for (std::vector<uint32_t>& vId : vDepth) {
             std::stable_sort(vId.begin(), vId.end(), [this](uint32_t a, uint32_t b) {
@@ -255,7 +261,15 @@ uint32_t CImageWriter::AddText(std::string_view strName, std::string_view strKan
 // Texts of the upper levels stay apart even when they are equal: an organisation is matched to its town by the place
 // of the town's name, not by its characters.
 uint32_t CImageWriter::AddNode(uint32_t nParent, uint8_t nLevel, std::string_view strName, std::string_view strKana) {
-    m_vNode.push_back({nParent, ADDR_NONE, AddText(strName, strKana, nLevel > LEVEL_TOWN), nLevel});
+    m_vNode.push_back({nParent, ADDR_NONE, AddText(strName, strKana, nLevel > LEVEL_TOWN), nLevel, false});
+    return static_cast<uint32_t>(m_vNode.size() - 1);
+}
+
+uint32_t CImageWriter::AddAlias(uint32_t nNode, std::string_view strName) {
+    CNode alias = m_vNode[nNode];
+    alias.nText = AddText(strName, {}, true);
+    alias.bAlias = true;
+    m_vNode.push_back(alias);
     return static_cast<uint32_t>(m_vNode.size() - 1);
 }
 

@@ -50,6 +50,10 @@ class CImageWriter {
     // A postal-code entry whose deepest node is nNode; the node refers to it unless it refers to another one already.
     uint32_t AddEntry(uint32_t nNode, std::string_view strCode, std::string_view strOldCode);
 
+    // A second name of a node for the indexes: a node with the same level, parent and entry that is nobody's child, so
+    // that no walk down the tree meets it. REQUIRES: the node has its entry.
+    uint32_t AddAlias(uint32_t nNode, std::string_view strName);
+
     // Makes a node refer to an entry that is another node's (a city to the entry of its nameless town).
     void Refer(uint32_t nNode, uint32_t nEntry);
     bool HasEntry(uint32_t nNode) const { return m_vNode[nNode].nEntry != ADDR_NONE; }
@@ -63,9 +67,10 @@ class CImageWriter {
     size_t NodeCount() const { return m_vNode.size(); }
     size_t EntryCount() const { return m_vEntry.size(); }
 
-    // Lays the image out: nodes by depth, below that by their parents' order; entries by code, then by node; city
-    // index (all nodes of level 1) and organisation index by name bytes, then by node. In the string area the codes
-    // stand first, in table order. Names of levels 0 to 2 are stored once for each node, all other texts once each.
+    // Lays the image out: nodes by depth, below that by their parents' order, aliases behind all of them; entries by
+    // code, then by node; city index (all nodes of level 1) and organisation index by name bytes, then by node. In the
+    // string area the codes stand first, in table order. Names of levels 0 to 2 are stored once for each node, all
+    // other texts once each.
     CImage Write() const;
 
   private:
@@ -74,6 +79,7 @@ class CImageWriter {
         uint32_t nEntry;
         uint32_t nText;
         uint8_t nLevel;
+        bool bAlias;
     };
     struct CEntry {
         uint32_t nNode;

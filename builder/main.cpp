@@ -3,6 +3,7 @@
 #include "builder/DictionaryFile.h"
 #include "builder/Error.h"
 #include "builder/Fetch.h"
+#include "builder/Measure.h"
 #include "builder/ReplaceFile.h"
 #include "builder/Skk.h"
 #include "builder/Source.h"
@@ -12,10 +13,12 @@
 #include <algorithm>
 #include <csignal>
 #include <exception>
+#include <filesystem>
 #include <iomanip>
 #include <iostream>
 #include <new>
 #include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -27,7 +30,8 @@ namespace {
 enum EExit { EXIT_DONE = 0, EXIT_FAILED = 1, EXIT_USAGE = 2 };
 
 struct CBuildOptions {
-    std::string strTowns, strOffices, strSkk, strOutput, strEdition;
+    std::string strTowns, strOffices, strSkk, strOutput, strEdition, strReport;
+    std::vector<std::string> vPrevious;
     bool bSample = false;
     bool bJson = false;
     bool bQuiet = false;
@@ -97,6 +101,34 @@ uint32_t AddOfficialTables(CBuildOptions const& options, CProgress const& progre
     return std::max(towns.nEdition, offices.nEdition);
 }
 
+// The month in a file's name ("ken_all-2015-10.zip" is 201510), 0 when there is none.
+unsigned MonthOfName(std::string const& strPath) {
+    std::string const strName = std::filesystem::path(strPath).filename().string();
+    for (size_t nPos = 0; nPos < strName.size(); ++nPos) {
+        std::string strMonth = strName.substr(nPos, 7);
+        if (strMonth.size() == 7) strMonth.erase(strMonth[4] == '-' ? 4 : 6, 1);
+        if (strMonth.size() != 6 || strMonth.find_first_not_of("0123456789") != std::string::npos) continue;
+        auto const nMonth = static_cast<unsigned>(std::stoul(strMonth));
+        if (nMonth / 100 >= 1900 && nMonth / 100 < 2100 && nMonth % 100 >= 1 && nMonth % 100 <= 12) return nMonth;
+    }
+    return 0;
+}
+
+// Earlier editions, oldest first: by the months in their names when all have one, else as they were given.
+void AddPreviousTables(CBuildOptions const& options, CProgress const& progress, CCompiler& compiler,
+                       nlohmann::ordered_json& summary) {
+    std::vector<std::string> vPath = options.vPrevious;
+    if (std::all_of(vPath.begin(), vPath.end(), MonthOfName))
+        std::stable_sort(vPath.begin(), vPath.end(),
+                         [](std::string const& a, std::string const& b) { return MonthOfName(a) < MonthOfName(b); });
+    for (size_t n = 0; n < vPath.size(); ++n) {
+        progress.Say("reading " + vPath[n]);
+        CSource const source = ReadSource(vPath[n]);
+        summary["previous_" + std::to_string(n + 1)] = Describe(source);
+        compiler.AddPrevious(ReadTownTable(source).vRow, source.Name());
+    }
+}
+
 uint32_t AddSkkTables(CBuildOptions const& options, CProgress const& progress, CCompiler& compiler,
                       CStatistics& statistics, nlohmann::ordered_json& summary) {
     progress.Say("reading " + options.strSkk);
@@ -117,16 +149,30 @@ void Build(CBuildOptions const& options) {
     nlohmann::ordered_json summary;
     bool const bSkk = !options.strSkk.empty();
     uint32_t nEdition = (bSkk ? AddSkkTables : AddOfficialTables)(options, progress, compiler, statistics, summary);
+    AddPreviousTables(options, progress, compiler, summary);
     if (!options.strEdition.empty()) nEdition = ReadEdition(options.strEdition);
     progress.Say("compiling");
     CImage const image = compiler.Compile(nEdition, bSkk              ? ESource::Skk
                                                     : options.bSample ? ESource::Sample
                                                                       : ESource::Official);
+    // The dictionary last: a build that fails leaves the old one untouched.
+    if (!options.strReport.empty())
+        ReplaceFile(options.strReport, {compiler.Successions().begin(), compiler.Successions().end()});
     progress.Say("writing " + options.strOutput);
     ReplaceFile(options.strOutput, image.vByte);
     summary["edition"] = EditionText(nEdition);
     summary["dictionary"] = options.strOutput;
     PrintStatistics(statistics, options, summary);
+}
+
+CLI::Option* AddPreviousOption(CLI::App& command, std::vector<std::string>& vPrevious) {
+    return command
+        .add_option("--previous", vPrevious,
+                    "an earlier edition of the town table, for addresses that have changed; may be given again, "
+                    "oldest first or with the month in each file's name")
+        ->expected(1)
+        ->take_all()
+        ->allow_extra_args(false);
 }
 
 void AddBuild(CLI::App& app, CBuildOptions& options) {
@@ -139,6 +185,8 @@ void AddBuild(CLI::App& app, CBuildOptions& options) {
         pBuild->add_option("--skk", options.strSkk, "folder of SKK-JISYO.zipcode, instead of the tables");
     pTowns->excludes(pSkk);
     pOffices->excludes(pSkk)->needs(pTowns);
+    AddPreviousOption(*pBuild, options.vPrevious)->needs(pTowns);
+    pBuild->add_option("--report", options.strReport, "file for the successors of all towns that are gone");
     pBuild->add_option("-o,--output", options.strOutput, "the dictionary file, replaced as a whole")->required();
     pBuild->add_option("--edition", options.strEdition, "edition date, 2026-05 or 2026-05-29 (default: of the zip)")
         ->check([](std::string const& str) {
@@ -193,6 +241,70 @@ void AddShow(CLI::App& app, CShowOptions& options) {
     pDump->callback([&options] { PrintTree(CDictionaryFile(options.strFile), options.nLevel, std::cout); });
 }
 
+struct CReportOptions {
+    std::string strFile, strTowns, strOffices, strMisses;
+    std::vector<std::string> vPrevious;
+    bool bJson = false;
+};
+
+void PrintFigures(std::vector<CFigure> const& vFigure, bool bJson) {
+    nlohmann::ordered_json all = nlohmann::ordered_json::object();
+    std::cout << std::fixed << std::setprecision(3);
+    if (!bJson) std::cout << "|   asked |   right |  percent | question |\n|--:|--:|--:|---|\n";
+    for (CFigure const& figure : vFigure) {
+        all[figure.strKey] = {{"asked", figure.nAsked}, {"right", figure.Right()}};
+        for (auto const& [strCause, nCount] : figure.Causes()) all[figure.strKey]["misses"][strCause] = nCount;
+        if (bJson) continue;
+        std::cout << "| " << std::setw(7) << figure.nAsked << " | " << std::setw(7) << figure.Right() << " | "
+                  << std::setw(8) << figure.Percent() << " | " << figure.strQuestion;
+        for (auto const& [strCause, nCount] : figure.Causes()) std::cout << "; " << nCount << ": " << strCause;
+        std::cout << " |\n";
+    }
+    if (bJson) std::cout << all.dump() << '\n';
+}
+
+// "2015-10", else the file's name; numbered when another one has that name already.
+std::string NameOfPrevious(std::string const& strPath, std::vector<CMeasuredTables::CPrevious> const& vPrevious) {
+    unsigned const nMonth = MonthOfName(strPath);
+    std::string const strBase =
+        nMonth == 0 ? std::filesystem::path(strPath).filename().string() : EditionText(nMonth * 100);
+    std::string strName = strBase;
+    auto const IsTaken = [&](CMeasuredTables::CPrevious const& other) { return other.strName == strName; };
+    for (int n = 2; std::any_of(vPrevious.begin(), vPrevious.end(), IsTaken); ++n)
+        strName = strBase + " (" + std::to_string(n) + ")";
+    return strName;
+}
+
+void Report(CReportOptions const& options) {
+    CDictionaryFile const file(options.strFile);
+    CMeasuredTables tables;
+    tables.vTown = ReadTownTable(ReadSource(options.strTowns)).vRow;
+    if (!options.strOffices.empty()) tables.vOffice = ReadOfficeTable(ReadSource(options.strOffices));
+    for (std::string const& strPath : options.vPrevious) {
+        CSource const source = ReadSource(strPath);
+        tables.vPrevious.push_back({NameOfPrevious(strPath, tables.vPrevious), ReadTownTable(source).vRow});
+    }
+    std::vector<CFigure> const vFigure = Measure(file, tables);
+    PrintFigures(vFigure, options.bJson);
+    if (options.strMisses.empty()) return;
+    std::string strMisses = "figure\tasked\tcause\tfound\n";
+    for (CFigure const& figure : vFigure)
+        for (CMiss const& miss : figure.vMiss)
+            strMisses += figure.strKey + '\t' + miss.strText + '\t' + miss.strCause + '\t' + miss.strFound + '\n';
+    ReplaceFile(options.strMisses, {strMisses.begin(), strMisses.end()});
+}
+
+void AddReport(CLI::App& app, CReportOptions& options) {
+    CLI::App* const pReport = app.add_subcommand("report", "measure a dictionary against the tables of its build");
+    pReport->add_option("FILE", options.strFile, "the dictionary")->required();
+    pReport->add_option("--towns", options.strTowns, "town table, as for build")->required();
+    pReport->add_option("--offices", options.strOffices, "organisation table, as for build");
+    AddPreviousOption(*pReport, options.vPrevious);
+    pReport->add_option("--misses", options.strMisses, "file for all that was not found as wanted, tab-separated");
+    pReport->add_flag("--json", options.bJson, "the figures as one JSON object");
+    pReport->callback([&options] { Report(options); });
+}
+
 int Run(int nArguments, char** ppszArgument) {
     CLI::App app("qeadrs-dic - compile and inspect postal address dictionaries\n"
                  "Exit: 0 done, 1 failed, 2 usage. A build that fails leaves the old dictionary untouched.");
@@ -201,9 +313,11 @@ int Run(int nArguments, char** ppszArgument) {
     CBuildOptions buildOptions;
     CFetchOptions fetchOptions;
     CShowOptions showOptions;
+    CReportOptions reportOptions;
     AddBuild(app, buildOptions);
     AddFetch(app, fetchOptions);
     AddShow(app, showOptions);
+    AddReport(app, reportOptions);
     try {
         app.parse(nArguments, ppszArgument);
         std::cout.flush();

@@ -1,17 +1,11 @@
 // From rows to the tree: small tables, written here as rows, and what the image made of them holds.
-#include "builder/Compiler.h"
-
-#include "builder/DictionaryFile.h"
-#include "dic/AddrDic.h"
-#include "dic/ImageHeader.h"
-#include "tests/builder/Support.h"
+#include "tests/builder/World.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <random>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -20,73 +14,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
-
-// The tables compiled, and the dictionary opened. Towns in 東京都 千代田区 unless a row says otherwise.
-class CWorld {
-  public:
-    explicit CWorld(std::string const& strTowns, std::string const& strOffices = "") {
-        qe::CCompiler compiler(m_statistics);
-        qe::CTownTable const table = qe::ReadTownTable(qe::ReadSource(m_folder.Write("towns.csv", strTowns)));
-        compiler.AddTowns(table.vRow, "TOWNS");
-        if (!strOffices.empty())
-            compiler.AddOffices(qe::ReadOfficeTable(qe::ReadSource(m_folder.Write("offices.csv", strOffices))),
-                                "OFFICES");
-        m_image = compiler.Compile(20260500, qe::ESource::Official);
-        m_dic.SetDictionary(m_image.vByte.data());
-    }
-    explicit CWorld(std::vector<CTown> const& vTown, std::vector<COffice> const& vOffice = {})
-        : CWorld(Table(vTown), Table(vOffice)) {}
-
-    std::vector<unsigned char> const& Bytes() const { return m_image.vByte; }
-    CAddrDic const& Dic() const { return m_dic; }
-    uint64_t Count(char const* pszName) const { return m_statistics.Get(pszName); }
-    std::vector<std::string> const& Remarks() const { return m_statistics.Remarks(); }
-
-    // The tree as text, "|" for each tab.
-    std::string Tree(unsigned nLevel = LEVEL_OFFICE) const {
-        std::string const strPath = m_folder.Write("t.dic", std::string(Bytes().begin(), Bytes().end()));
-        std::ostringstream out;
-        qe::PrintTree(qe::CDictionaryFile(strPath), nLevel, out);
-        std::string str = out.str();
-        std::replace(str.begin(), str.end(), '\t', '|');
-        return str;
-    }
-
-    // The lines of one level, without indent and level number.
-    std::vector<std::string> Names(char cLevel) const {
-        std::vector<std::string> vName;
-        std::istringstream in(Tree());
-        for (std::string strLine; std::getline(in, strLine);) {
-            strLine.erase(0, strLine.find_first_not_of(' '));
-            if (strLine[0] == cLevel) vName.push_back(strLine.substr(2));
-        }
-        return vName;
-    }
-
-    // "code name of the entry's node" for the entry that a city refers to, "none" when it refers to none.
-    std::string CityRefersTo(uint32_t nCity = 0) const {
-        unsigned char const* const p = Bytes().data();
-        tagADDRNODE const* const pNode = m_dic.GetAddrNode(HeaderWord(p, HDR_FIRST_CITY) + nCity);
-        tagADDRINFO const* const pInfo = m_dic.GetAddrInfo(pNode->nInfo);
-        if (pInfo == nullptr) return "none";
-        return std::string(m_dic.GetString(pInfo->nCode)) + " " +
-               m_dic.GetString(m_dic.GetAddrNode(pInfo->nNode)->nName);
-    }
-
-  private:
-    CTestFolder m_folder;
-    qe::CStatistics m_statistics;
-    qe::CImage m_image;
-    CAddrDic m_dic;
-};
-
-CTown Town(std::string const& strTown, std::string const& strKana, std::string const& strCode) {
-    return {"東京都", "千代田区", strTown, strKana, strCode};
-}
-COffice Office(std::string const& strName, std::string const& strTown, std::string const& strRest,
-               std::string const& strCode = "1008111") {
-    return {strName, "東京都", "千代田区", strTown, strRest, strCode};
-}
 
 std::string const HEAD = "0 東京都|ケン\n"
                          "  1 千代田区|シ\n";
@@ -108,13 +35,13 @@ TEST(Compiler, WhatIsNotListedBelowIsANamelessTown) {
 
 TEST(Compiler, ANumberListIsALevelThreeNodeWithTheCode) {
     EXPECT_EQ(CWorld({Town("大通西（１〜１９丁目）", "オオドオリニシ（１−１９チョウメ）", "0600042")}).Tree(),
-              HEAD + "    2 大通西|オオドオリニシ\n"
+              HEAD + "    2 大通西|オオドオリニシ|0600042|100\n"
                      "      3 １〜１９丁目|１−１９チョウメ|0600042|100\n");
 }
 
 TEST(Compiler, EveryPlaceOfAListIsALevelThreeNodeWithTheCode) {
     EXPECT_EQ(CWorld({Town("抜海村（上勇知、夕来）", "バッカイムラ（カミユウチ、ユウクル）", "0984581")}).Tree(),
-              HEAD + "    2 抜海村|バッカイムラ\n"
+              HEAD + "    2 抜海村|バッカイムラ|0984581|100\n"
                      "      3 上勇知|カミユウチ|0984581|100\n"
                      "      3 夕来|ユウクル|0984581|100\n");
 }
@@ -149,7 +76,7 @@ TEST(Compiler, LotsAreALevelThreeNode) {
     EXPECT_EQ(CWorld({Town("種市第２２地割〜種市第２３地割（一区）",
                            "タネイチダイ２２チワリ−タネイチダイ２３チワリ（イック）", "0287915")})
                   .Tree(),
-              HEAD + "    2 種市|タネイチ\n"
+              HEAD + "    2 種市|タネイチ|0287915|100\n"
                      "      3 第２２地割〜第２３地割（一区）|ダイ２２チワリ−ダイ２３チワリ（イック）|0287915|100\n");
 }
 
@@ -222,6 +149,83 @@ TEST(Compiler, ARangeBehindATownsNameIsNotTheCitys) {
     EXPECT_THAT(world.Names('2'), ElementsAre("大島町||8572427|100"));
 }
 
+// --- a town whose places all have one code ---
+
+namespace {
+
+// Code of the entry that the first town refers to and the name of that entry's node; "none" when it refers to none.
+std::string TownRefersTo(CWorld const& world) {
+    tagADDRNODE const* const pTown = world.Dic().GetAddrNode(world.Word(HDR_FIRST_TOWN));
+    tagADDRINFO const* const pInfo = world.Dic().GetAddrInfo(pTown->nInfo);
+    return pInfo == nullptr ? "none" : world.Dic().GetString(pInfo->nCode) + (" " + world.Name(pInfo->nNode));
+}
+
+} // namespace
+
+TEST(SingleCode, ATownRefersToTheFirstOfItsPlacesOfOneCode) {
+    CWorld const world(
+        {Town("北四条東（３丁目）", "", "0600034"), Town("北四条東（１丁目、２丁目）", "", "0600034")});
+    EXPECT_EQ(TownRefersTo(world), "0600034 ３丁目");
+    EXPECT_EQ(world.Count("towns_with_the_one_code_of_their_areas"), 1u);
+    EXPECT_EQ(world.Count("towns_with_several_codes_and_no_default"), 0u);
+}
+
+TEST(SingleCode, TheEntryKeepsItsPlace) {
+    CWorld world({Town("北四条東（３丁目）", "", "0600034")});
+    EXPECT_EQ(world.Count("entries"), 1u);
+    std::vector<tagADDR> vAddr;
+    ASSERT_EQ(world.Dic().GetAddrFromPostCode7("0600034", vAddr), 1);
+    ASSERT_EQ(vAddr.size(), 1u);
+    EXPECT_STREQ(vAddr[0].pszArea, "３丁目");
+}
+
+TEST(SingleCode, AnAddressInItFindsTheCodeWhateverItsNumber) {
+    CWorld world({Town("北四条東（３丁目）", "", "0600034")});
+    tagADDR addr(0);
+    world.Dic().DivideAddr("東京都千代田区北四条東８丁目", &addr);
+    EXPECT_STREQ(addr.pszPostCode, "0600034");
+    EXPECT_STREQ(addr.pszArea, "８丁目");
+}
+
+TEST(SingleCode, PlacesOfTwoCodesLeaveTheTownWithoutOne) {
+    CWorld const world({Town("北四条東（１丁目）", "", "0600034"), Town("北四条東（２丁目）", "", "0600035"),
+                        Town("北四条東（３丁目）", "", "0600034")});
+    EXPECT_EQ(TownRefersTo(world), "none");
+    EXPECT_EQ(world.Count("towns_with_the_one_code_of_their_areas"), 0u);
+    EXPECT_EQ(world.Count("towns_with_several_codes_and_no_default"), 1u);
+}
+
+TEST(SingleCode, BuildingsAndFloorsArePlacesOfTheirTown) {
+    CWorld const one({Town("中央（１丁目）", "", "9800021"), Town("中央アエル（１階）", "", "9800021")});
+    EXPECT_EQ(TownRefersTo(one), "9800021 １丁目");
+    CWorld const two({Town("中央（１丁目）", "", "9800021"), Town("中央アエル（１階）", "", "9806101")});
+    EXPECT_EQ(TownRefersTo(two), "none");
+    EXPECT_EQ(two.Count("towns_with_several_codes_and_no_default"), 1u);
+}
+
+TEST(SingleCode, OrganisationsHaveNoSay) {
+    CWorld const world({Town("中央（１丁目）", "", "9800021")},
+                       {Office("役場", "中央", "１"), Office("駅", "北", "")});
+    EXPECT_EQ(TownRefersTo(world), "9800021 １丁目");
+    EXPECT_THAT(world.Names('2'),
+                ElementsAre("中央||9800021|100", "北")); // a town of organisations alone has no code
+    EXPECT_EQ(world.Count("towns_with_the_one_code_of_their_areas"), 1u);
+    EXPECT_EQ(world.Count("towns_with_several_codes_and_no_default"), 0u);
+}
+
+TEST(SingleCode, ATownWithACodeOfItsOwnKeepsIt) {
+    CWorld const world({Town("中央（１丁目）", "", "9800021"), Town("中央（その他）", "", "9800022")});
+    EXPECT_EQ(TownRefersTo(world), "9800022 中央");
+    EXPECT_EQ(world.Count("towns_with_the_one_code_of_their_areas"), 0u);
+    EXPECT_EQ(world.Count("towns_with_several_codes_and_no_default"), 0u);
+}
+
+TEST(SingleCode, TheNamelessTownIsNoSuchTown) {
+    CWorld const world({CTown{"山梨県", "北都留郡小菅村", "小菅村の次に１〜６６３番地がくる場合", "", "4090142"}});
+    EXPECT_THAT(world.Names('2'), ElementsAre("-"));
+    EXPECT_EQ(world.Count("towns_with_the_one_code_of_their_areas"), 0u);
+}
+
 // --- entries and nodes ---
 
 namespace {
@@ -250,11 +254,14 @@ TEST(Compiler, EveryEntrysNodePointsBackAtIt) {
     EXPECT_EQ(n, 11u); // seven rows, 一ツ橋 twice for その他, and three organisations
 }
 
-TEST(Compiler, EveryNodeButACityIsItsEntrysNode) {
+TEST(Compiler, EveryNodeButACityAndAnAliasIsItsEntrysNode) {
     CWorld const world(MIXED, MIXED_OFFICES);
+    uint64_t const nAliases = world.Count("office_aliases");
+    EXPECT_EQ(nAliases, 3u);
     uint32_t n = 0;
     for (tagADDRNODE const* pNode; (pNode = world.Dic().GetAddrNode(n)) != nullptr; ++n) {
-        if (pNode->nInfo == ADDR_NONE || pNode->nLevel == LEVEL_CITY) continue;
+        if (pNode->nInfo == ADDR_NONE || pNode->nLevel == LEVEL_CITY || n + nAliases >= world.Count("nodes"))
+            continue;
         EXPECT_EQ(world.Dic().GetAddrInfo(pNode->nInfo)->nNode, n);
     }
     EXPECT_EQ(n, world.Count("nodes"));
@@ -278,7 +285,7 @@ TEST(Compiler, ChildrenStandTogetherAndNameTheirParent) {
         for (uint32_t nChild = 0; nChild < pNode->nChildCount; ++nChild, ++nChildren)
             EXPECT_EQ(world.Dic().GetAddrNode(pNode->nFirstChild + nChild)->nParent, n);
     }
-    EXPECT_EQ(nChildren + 1, world.Count("nodes")); // all but the prefecture
+    EXPECT_EQ(nChildren + 1 + world.Count("office_aliases"), world.Count("nodes")); // all but the prefecture
 }
 
 TEST(Compiler, TownNamesAreNeverSharedBetweenNodes) {
@@ -406,7 +413,7 @@ TEST(Compiler, TownsOfOneNameAndTwoReadingsAreTwoTowns) {
 TEST(Compiler, OfTownsOfOneNameTheOneWithACodeComesFirst) {
     CWorld const world(
         {Town("石田（１丁目）", "イシダ（１チョウメ）", "9392707"), Town("石田", "イシデン", "9300974")});
-    EXPECT_THAT(world.Names('2'), ElementsAre("石田|イシデン|9300974|100", "石田|イシダ"));
+    EXPECT_THAT(world.Names('2'), ElementsAre("石田|イシデン|9300974|100", "石田|イシダ|9392707|100"));
 }
 
 TEST(Compiler, ATownOfTwoCodesIsTwoNodes) {
@@ -519,9 +526,32 @@ TEST(Office, OfficesOfOneAddressShareItsNode) {
 TEST(Office, AnotherSpellingOfTheTownFindsIt) {
     CWorld const world({Town("北一条西（１丁目）", "キタ", "0600001"), Town("霞が関", "カスミ", "1000013")},
                        {Office("市役所", "北１条西", "２丁目"), Office("外務省", "大字霞ケ関", "１")});
-    EXPECT_THAT(world.Names('2'), ElementsAre("北一条西|キタ", "霞が関|カスミ|1000013|100"));
+    EXPECT_THAT(world.Names('2'), ElementsAre("北一条西|キタ|0600001|100", "霞が関|カスミ|1000013|100"));
     EXPECT_THAT(world.Names('7'), ElementsAre("市役所|ナマエ|1008111|100", "外務省|ナマエ|1008111|100"));
     EXPECT_EQ(world.Count("offices_in_towns_folded"), 2u);
+}
+
+TEST(Office, OfTownsOfOneNameItStandsInTheFirstWithACode) {
+    CWorld world({Town("石田（１丁目）", "イシダ（１チョウメ）", "9392707"),
+                  Town("石田（２丁目）", "イシダ（２チョウメ）", "9392708"), Town("石田", "イシデン", "9300974"),
+                  Town("石田", "イシタ", "9300975")},
+                 {Office("駅", "石田", "")});
+    EXPECT_THAT(world.Tree(), HasSubstr("    2 石田|イシデン|9300974|100\n      7 駅|"));
+    tagADDR addr(0);
+    std::string strName = "駅";
+    world.Dic().GetPostCodeFromAddr("東京都千代田区石田", strName.data(), addr);
+    EXPECT_STREQ(addr.pszPostCode, "1008111");
+}
+
+TEST(Office, OfTownsOfOneNameWithoutCodesItStandsInTheFirst) {
+    CWorld const world({Town("石田（１丁目）", "イシダ（１チョウメ）", "9392707"),
+                        Town("石田（１丁目）", "イシデン（１チョウメ）", "9300974")},
+                       {Office("駅", "石田", "")});
+    EXPECT_EQ(world.Tree(), HEAD + "    2 石田|イシダ|9392707|100\n"
+                                   "      3 １丁目|１チョウメ|9392707|100\n"
+                                   "      7 駅|ナマエ|1008111|100\n"
+                                   "    2 石田|イシデン|9300974|100\n"
+                                   "      3 １丁目|１チョウメ|9300974|100\n");
 }
 
 TEST(Office, AnUnknownTownIsAddedWithoutACode) {
@@ -589,13 +619,9 @@ TEST(Office, EveryOfficeStandsInTheIndexByTheBytesOfItsName) {
     CWorld const world({Town("千代田", "チヨダ", "1000001")},
                        {Office("み", "千代田", ""), Office("あ", "千代田", "１"), Office("ん", "千代田", ""),
                         Office("Ａ", "永田町", "")});
-    unsigned char const* const p = world.Bytes().data();
     std::vector<std::string> vName;
-    for (uint32_t n = 0; n < HeaderWord(p, HDR_OFFICE_COUNT); ++n) {
-        uint32_t const nNode = ReadWord(p + HeaderWord(p, HDR_OFFICE_INDEX) + 4 * n);
-        vName.emplace_back(world.Dic().GetString(world.Dic().GetAddrNode(nNode)->nName));
-    }
-    EXPECT_THAT(vName, ElementsAre("あ", "み", "ん", "Ａ"));
+    for (uint32_t nNode : world.OfficeIndex()) vName.push_back(world.Name(nNode));
+    EXPECT_THAT(vName, ElementsAre("あ", "あ", "み", "み", "ん", "ん", "Ａ", "Ａ")); // each with its alias
 }
 
 // --- statistics ---

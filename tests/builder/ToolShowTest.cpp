@@ -58,18 +58,18 @@ TEST_F(ToolShow, InfoShowsHeaderCountsEditionAndSizes) {
                                               "edition             2026-05-29\n"
                                               "source              official tables\n"
                                               "checksum            right\n"
-                                              "bytes               560\n"
+                                              "bytes               608\n"
                                               "prefectures         1\n"
                                               "cities              1\n"
                                               "towns               3\n"
-                                              "organisations       1\n"
+                                              "organisation names  2\n"
                                               "\n"
                                               "table                   offset   records     bytes\n"
-                                              "nodes                      112         8       192\n"
-                                              "entries                    304         4        32\n"
-                                              "strings                    368       187       187\n"
-                                              "city index                 336         1         4\n"
-                                              "organisation index         352         1         4\n");
+                                              "nodes                      112         9       216\n"
+                                              "entries                    336         4        32\n"
+                                              "strings                    400       198       198\n"
+                                              "city index                 368         1         4\n"
+                                              "organisation index         384         2         8\n");
 }
 
 TEST_F(ToolShow, InfoAsJsonIsOneObjectWithTheSameFigures) {
@@ -80,8 +80,8 @@ TEST_F(ToolShow, InfoAsJsonIsOneObjectWithTheSameFigures) {
     EXPECT_EQ(json["checksum"], "right");
     EXPECT_EQ(json["bytes"], m_strBytes.size());
     EXPECT_EQ(json["towns"], 3);
-    EXPECT_EQ(json["organisations"], 1);
-    EXPECT_EQ(json["tables"]["nodes"], nlohmann::json({{"offset", 112}, {"records", 8}, {"bytes", 192}}));
+    EXPECT_EQ(json["organisation names"], 2);
+    EXPECT_EQ(json["tables"]["nodes"], nlohmann::json({{"offset", 112}, {"records", 9}, {"bytes", 216}}));
     EXPECT_EQ(json["tables"].size(), 5u);
 }
 
@@ -91,7 +91,7 @@ TEST_F(ToolShow, DumpShowsTheTree) {
                                               "    2 千代田\tチヨダ\t1000001\t100\n"
                                               "      3 １−１\n"
                                               "        7 宮内庁\tナマエ\t1008111\t100\n"
-                                              "    2 一ツ橋\tヒトツバシ\n"
+                                              "    2 一ツ橋\tヒトツバシ\t1000003\t100\n"
                                               "      3 １丁目\t１チョウメ\t1000003\t100\n"
                                               "    2 -\t\t1000000\t100\n");
 }
@@ -101,7 +101,7 @@ TEST_F(ToolShow, DumpEndsAtTheLevelAskedFor) {
     EXPECT_EQ(Output({"dump", Dictionary(), "--level", "2"}), "0 東京都\tケン\n"
                                                               "  1 千代田区\tシ\t1000000\t100\n"
                                                               "    2 千代田\tチヨダ\t1000001\t100\n"
-                                                              "    2 一ツ橋\tヒトツバシ\n"
+                                                              "    2 一ツ橋\tヒトツバシ\t1000003\t100\n"
                                                               "    2 -\t\t1000000\t100\n");
     EXPECT_EQ(Output({"dump", Dictionary(), "--level", "7"}), Output({"dump", Dictionary()}));
 }
@@ -142,7 +142,7 @@ TEST_F(ToolShow, ANewerFormatIsRefusedAsSuch) {
 
 TEST_F(ToolShow, ACutOffDictionaryIsRefusedWithBothSizes) {
     WriteFile(Dictionary(), m_strBytes.substr(0, 500));
-    ExpectRefused(": is damaged: 500 bytes instead of 560.");
+    ExpectRefused(": is damaged: 500 bytes instead of 608.");
 }
 
 TEST_F(ToolShow, ATableOutsideTheFileIsRefusedByItsName) {
@@ -151,7 +151,7 @@ TEST_F(ToolShow, ATableOutsideTheFileIsRefusedByItsName) {
 }
 
 TEST_F(ToolShow, ALastTextWithoutItsEndIsRefused) {
-    SetHeaderWord(HDR_STRING_SIZE, 186);
+    SetHeaderWord(HDR_STRING_SIZE, 196); // without the NUL of the last name and that of its empty reading
     ExpectRefused(": is damaged: the last text has no end.");
 }
 
@@ -192,7 +192,7 @@ TEST_F(ToolShow, ADictionaryCutOffAtEveryLengthIsRefused) {
 
 TEST_F(ToolShow, ADictionaryWithSomethingBehindItIsRefused) {
     WriteFile(Dictionary(), m_strBytes + "x");
-    EXPECT_THAT(OpenError(Dictionary()), HasSubstr(": is damaged: 561 bytes instead of 560."));
+    EXPECT_THAT(OpenError(Dictionary()), HasSubstr(": is damaged: 609 bytes instead of 608."));
 }
 
 // Another bit in each byte.

@@ -313,6 +313,21 @@ CExpectedTowns const& ExpectedTowns() {
     return towns;
 }
 
+std::map<std::string, std::string_view> const& CityCodes() {
+    static std::map<std::string, std::string_view> const mapCode = [] {
+        std::map<std::string, std::string_view> mapWhole, mapNumbers;
+        for (size_t n = 0; n < TownRows().size(); ++n) {
+            CTownRow const& row = TownRows()[n];
+            if (!ExpectedTowns().PlacesOf(n).front().town.strName.empty()) continue;
+            bool const bNumbers = row.strTown.find("の次に") != std::string_view::npos;
+            (bNumbers ? mapNumbers : mapWhole).emplace(CityKey(row.strPref, row.strCity), row.strCode);
+        }
+        mapWhole.insert(mapNumbers.begin(), mapNumbers.end());
+        return mapWhole;
+    }();
+    return mapCode;
+}
+
 std::string ExpectedText(CTownRow const& row, CPlace const& place) {
     CAddress a;
     a.strPref = row.strPref, a.strPrefKana = row.strPrefKana;

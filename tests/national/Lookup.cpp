@@ -1,6 +1,7 @@
 // Lookup.cpp - asking the library.
 #include "Lookup.h"
 
+#include "Previous.h"
 #include "Tables.h"
 
 #include <cstdlib>
@@ -60,11 +61,31 @@ std::set<std::string_view> const& OfficeCodes() {
     return vCode;
 }
 
+std::set<std::string_view> const& GoneCodes() {
+    static std::set<std::string_view> const vCode = [] {
+        std::set<std::string_view> v;
+        for (CGoneTown const& town : GoneTowns()) v.insert(town.strCode);
+        return v;
+    }();
+    return vCode;
+}
+
+std::set<std::string_view> const& AllCodes() {
+    static std::set<std::string_view> const vCode = [] {
+        std::set<std::string_view> v = TownCodes();
+        v.insert(OfficeCodes().begin(), OfficeCodes().end());
+        v.insert(GoneCodes().begin(), GoneCodes().end());
+        return v;
+    }();
+    return vCode;
+}
+
 std::set<std::string_view> const& OldCodes() {
     static std::set<std::string_view> const vCode = [] {
         std::set<std::string_view> v;
         for (CTownRow const& row : TownRows()) v.insert(row.strOldCode);
         for (COfficeRow const& row : OfficeRows()) v.insert(row.strOldCode);
+        for (CGoneTown const& town : GoneTowns()) v.insert(town.strOldCode);
         return v;
     }();
     return vCode;
@@ -99,6 +120,46 @@ std::string TakeBlock(HGLOBAL hBlock) {
 std::string ZipBlock(std::string const& strCode) {
     HGLOBAL hBlock = nullptr;
     return GetAdrFromZip(strCode.c_str(), &hBlock) == 0 ? TakeBlock(hBlock) : std::string();
+}
+
+std::string AddBlock(std::string const& strText) {
+    HGLOBAL hBlock = nullptr;
+    return GetAdrFromAdd(strText.c_str(), &hBlock) == 0 ? TakeBlock(hBlock) : std::string();
+}
+
+void PutInteger(std::string& str, size_t n, size_t nBytes) {
+    for (; nBytes-- > 0; n >>= 8) str += static_cast<char>(n & 0xFF);
+}
+
+std::string ExpectedBlock(std::vector<CBlockAddress> const& vAddress) {
+    if (vAddress.empty()) return "";
+    std::string strEntries, strPool;
+    for (CBlockAddress const& address : vAddress) {
+        // In the pool the code comes second; in the entry it is the other way round.
+        PutInteger(strEntries, strPool.size() + address.strBeforeCode.size() + 1, 4);
+        PutInteger(strEntries, strPool.size(), 4);
+        strPool.append(address.strBeforeCode).append(1, '\0').append(address.strCode).append(1, '\0');
+        CAddress const& a = address.address;
+        for (COptionalText const* p : {&a.strPref, &a.strCity, &a.strTown, &a.strArea, &a.strOffice}) {
+            PutInteger(strEntries, strPool.size(), 4);
+            strPool.append(p->value_or("")).append(1, '\0');
+        }
+    }
+    std::string strBlock;
+    PutInteger(strBlock, vAddress.size(), 2);
+    PutInteger(strBlock, 0, 2);
+    PutInteger(strBlock, 12, 4);
+    PutInteger(strBlock, 12 + 28 * vAddress.size(), 4);
+    return strBlock + strEntries + strPool;
+}
+
+void CompareBlocks(CFailures& failures, std::string const& strQuestion, std::string const& strBlock,
+                   std::string const& strExpected) {
+    if (strBlock == strExpected) return;
+    size_t n = 0;
+    while (n < strBlock.size() && n < strExpected.size() && strBlock[n] == strExpected[n]) ++n;
+    failures.Add(strQuestion + ": the block has " + std::to_string(strBlock.size()) + " bytes instead of " +
+                 std::to_string(strExpected.size()) + " and differs from byte " + std::to_string(n) + " on");
 }
 
 std::string CityBlock(std::string const& strCode, std::string const& strOldCode, unsigned short nSortType) {

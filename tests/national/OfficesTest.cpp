@@ -2,6 +2,7 @@
 #include "ExpectedRow.h"
 #include "Failures.h"
 #include "Lookup.h"
+#include "Previous.h"
 
 #include <algorithm>
 #include <map>
@@ -84,10 +85,12 @@ TEST(WholeOrganisationTable, GivesEveryRowBackFromItsCodeWithNameReadingAndAddre
     PrintFigure("in towns of their own", anKind[TOWN_OF_ITS_OWN]);
 }
 
-TEST(WholeOrganisationTable, GivesAsManyAnswersForACodeAsItHasRows) {
+TEST(WholeOrganisationTable, GivesAsManyAnswersForACodeAsItHasRowsAndTownsThatAreGone) {
     CFailures failures;
     std::map<std::string_view, size_t> mapRows;
     for (COfficeRow const& row : OfficeRows()) ++mapRows[row.strCode];
+    for (CGoneTown const& town : GoneTowns())
+        if (OfficeCodes().count(town.strCode) != 0) ++mapRows[town.strCode];
     for (auto const& [strCode, nRows] : mapRows) {
         size_t const nFound = Answers(Dictionary(), std::string(strCode)).size();
         if (nFound != nRows)

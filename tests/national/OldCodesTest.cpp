@@ -1,10 +1,11 @@
 // The lookup by old code: it finds what stands within its reach, and the compiler counts what does not.
 #include "Failures.h"
 #include "Lookup.h"
+#include "Prepared.h"
+#include "Previous.h"
 #include "Tables.h"
 
 #include <random>
-#include <stdexcept>
 
 using namespace national;
 
@@ -54,21 +55,13 @@ TEST(OldCodes, OfEveryEntryAreThoseOfItsRow) {
     std::set<std::pair<std::string_view, std::string_view>> vPair;
     for (CTownRow const& row : TownRows()) vPair.emplace(row.strCode, row.strOldCode);
     for (COfficeRow const& row : OfficeRows()) vPair.emplace(row.strCode, row.strOldCode);
+    for (CGoneTown const& town : GoneTowns()) vPair.emplace(town.strCode, town.strOldCode);
     CFailures failures;
     for (CSlowReader::CEntry const& entry : Official().Entries()) {
         if (vPair.count({entry.strCode, entry.strOldCode}) == 0)
             failures.Add(std::string(entry.strCode) + " has the old code " + std::string(entry.strOldCode));
         if (failures.Enough()) return;
     }
-}
-
-// A count of the compiler: the number behind "name": in its statistics.
-size_t CompilersCount(std::string const& strName) {
-    static std::string const strStatistics = ReadFile(DataPath("statistics.json"));
-    std::string const strKey = "\"" + strName + "\":";
-    size_t const nFound = strStatistics.find(strKey);
-    if (nFound == std::string::npos) throw std::runtime_error("statistics.json has no " + strName);
-    return std::stoul(strStatistics.substr(nFound + strKey.size(), 12));
 }
 
 TEST(OldCodes, ThatAreNoPrefixOfTheirCodeAreCountedByTheCompiler) {

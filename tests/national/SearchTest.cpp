@@ -25,11 +25,10 @@ uint32_t Number(std::string_view strDigits) {
     return n;
 }
 
-// By number, whether a text of so many digits begins a code of the official tables.
+// By number, whether a text of so many digits begins a code of the official tables or of a town that is gone.
 std::vector<bool> BeginsACode(size_t nDigits) {
     std::vector<bool> vBegins(Number("1" + std::string(nDigits, '0')));
-    for (std::set<std::string_view> const* pCodes : {&TownCodes(), &OfficeCodes()})
-        for (std::string_view strCode : *pCodes) vBegins[Number(strCode.substr(0, nDigits))] = true;
+    for (std::string_view strCode : AllCodes()) vBegins[Number(strCode.substr(0, nDigits))] = true;
     return vBegins;
 }
 
@@ -47,11 +46,10 @@ TEST(SearchPostCode7, AgreesWithTheSlowReaderOnEveryPrefixOfEveryCode) {
 
 TEST(SearchPostCode7, FindsEveryCodeOfTheTables) {
     CFailures failures;
-    for (std::set<std::string_view> const* pCodes : {&TownCodes(), &OfficeCodes()})
-        for (std::string_view strCode : *pCodes) {
-            if (Dictionary().SearchPostCode7(std::string(strCode).c_str()) < 0) failures.Add(std::string(strCode));
-            if (failures.Enough()) return;
-        }
+    for (std::string_view strCode : AllCodes()) {
+        if (Dictionary().SearchPostCode7(std::string(strCode).c_str()) < 0) failures.Add(std::string(strCode));
+        if (failures.Enough()) return;
+    }
 }
 
 TEST(SearchPostCode7, FindsNothingForAllOtherTextsOfOneToSevenDigits) {
@@ -70,7 +68,7 @@ TEST(SearchPostCode7, FindsNothingForAllOtherTextsOfOneToSevenDigits) {
     PrintFigure("texts that begin no code", nAsked);
 }
 
-// A sample of the codes that neither table has.
+// A sample of the codes that no table has.
 std::vector<std::string> UnknownCodes() {
     std::printf("seed %u\n", SAMPLE_SEED);
     std::vector<bool> const vKnown = BeginsACode(CODE_DIGITS);

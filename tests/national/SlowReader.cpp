@@ -80,6 +80,9 @@ void CSlowReader::ReadNodes() {
         node.nFirstChild = Integer(nAt + 20);
         // A parent stands before its children, so that no walk upwards goes in a circle.
         if (node.nParent != NONE && node.nParent >= n) Fail("a node stands before its parent");
+        node.bAlias =
+            node.nParent != NONE && (n < m_vNode[node.nParent].nFirstChild ||
+                                     n - m_vNode[node.nParent].nFirstChild >= m_vNode[node.nParent].nChildren);
         m_vNode.push_back(node);
     }
 }
@@ -94,6 +97,12 @@ void CSlowReader::ReadEntries() {
         entry.strOldCode = Text(uint64_t{entry.nCodeOffset} + entry.strCode.size() + 1);
         entry.nNode = Integer(nAt + 4) & 0x7FFFFFFF;
         entry.bSuperseded = Integer(nAt + 4) >= 0x80000000;
+        // Four bytes at any address, directly behind the NUL of the old code.
+        size_t const nBehind =
+            Word(13) + size_t{entry.nCodeOffset} + entry.strCode.size() + 1 + entry.strOldCode.size() + 1;
+        entry.nSuccessor = entry.bSuperseded ? Integer(nBehind) : NONE;
+        if (entry.bSuperseded && (nBehind + 4 > Word(13) + size_t{Word(10)} || entry.nSuccessor >= nCount))
+            Fail("a superseded entry names no other");
         if (entry.nNode >= m_vNode.size()) Fail("an entry names a node that is not there");
         m_vEntry.push_back(entry);
         for (size_t nLength = 1; nLength <= entry.strCode.size(); ++nLength)
@@ -135,41 +144,37 @@ uint32_t CSlowReader::Ancestor(uint32_t nNode, unsigned nLevel) const {
     return nNode;
 }
 
-CAddress CSlowReader::Address(uint32_t nEntry) const {
+CAddress CSlowReader::AddressOfNode(uint32_t nNode) const {
     CAddress a;
-    for (uint32_t n = m_vEntry[nEntry].nNode; n != NONE; n = m_vNode[n].nParent) {
-        CNode const& node = m_vNode[n];
-        auto const Take = [&node](COptionalText& strName, COptionalText& strKana) {
-            strName = node.strName;
-            strKana = node.strKana;
-        };
-        switch (node.nLevel) {
-        case 0:
-            Take(a.strPref, a.strPrefKana);
-            break;
-        case 1:
-            Take(a.strCity, a.strCityKana);
-            break;
-        case 2:
-            Take(a.strTown, a.strTownKana);
-            break;
-        case 3:
-            Take(a.strArea, a.strAreaKana);
-            break;
-        case 4:
-            Take(a.strBlock, a.strBlockKana);
-            break;
-        case 6:
-            a.strNote = node.strName;
-            break;
-        case 7:
-            Take(a.strOffice, a.strOfficeKana);
-            break;
-        default:
-            Fail("a node has a level of its own");
-        }
-    }
+    for (uint32_t n = nNode; n != NONE; n = m_vNode[n].nParent) TakeTexts(n, a);
     return a;
+}
+
+void CSlowReader::TakeTexts(uint32_t nNode, CAddress& a) const {
+    CNode const& node = m_vNode[nNode];
+    auto const Take = [&node](COptionalText& strName, COptionalText& strKana) {
+        strName = node.strName;
+        strKana = node.strKana;
+    };
+    switch (node.nLevel) {
+    case 0:
+        return Take(a.strPref, a.strPrefKana);
+    case 1:
+        return Take(a.strCity, a.strCityKana);
+    case 2:
+        return Take(a.strTown, a.strTownKana);
+    case 3:
+        return Take(a.strArea, a.strAreaKana);
+    case 4:
+        return Take(a.strBlock, a.strBlockKana);
+    case 6:
+        a.strNote = node.strName;
+        return;
+    case 7:
+        return Take(a.strOffice, a.strOfficeKana);
+    default:
+        Fail("a node has a level of its own");
+    }
 }
 
 CSlowReader const& Official() {

@@ -39,12 +39,14 @@ class CSlowReader {
         uint32_t nNameOffset;
         std::string_view strName, strKana;
         uint32_t nEntry, nParent, nChildren, nFirstChild;
+        bool bAlias; // nobody's child: it has a parent whose children it is not among
     };
     struct CEntry {
         uint32_t nCodeOffset;
         std::string_view strCode, strOldCode;
         uint32_t nNode;
         bool bSuperseded;
+        uint32_t nSuccessor; // of a superseded entry, else NONE
     };
 
     explicit CSlowReader(std::string strBytes);
@@ -75,12 +77,16 @@ class CSlowReader {
     // Those of them that stand within 10000 entries from the first code that begins with it.
     std::vector<uint32_t> EntriesInReachOfOldCode(std::string_view strOldCode) const;
 
-    CAddress Address(uint32_t nEntry) const;
+    CAddress Address(uint32_t nEntry) const { return AddressOfNode(m_vEntry[nEntry].nNode); }
+
+    // Writes a node's own texts into an address.
+    void TakeTexts(uint32_t nNode, CAddress& address) const;
 
     // The node of this level on the way up from a node, itself included; NONE when there is none.
     uint32_t Ancestor(uint32_t nNode, unsigned nLevel) const;
 
   private:
+    CAddress AddressOfNode(uint32_t nNode) const;
     uint32_t Integer(size_t nOffset) const;
     std::string_view Text(uint64_t nOffset) const;
     std::vector<uint32_t> Index(unsigned nOffsetWord, unsigned nCountWord) const;

@@ -1,6 +1,8 @@
 // The image of the whole country: what its readers rely on, node by node and entry by entry.
 #include "ExpectedRow.h"
 #include "Failures.h"
+#include "Prepared.h"
+#include "Previous.h"
 #include "SlowReader.h"
 
 #include <algorithm>
@@ -70,10 +72,11 @@ TEST(WholeDictionary, HasItsTownsTogetherWhereTheHeaderSays) {
     ExpectRun(TOWN, 22, 23);
 }
 
-TEST(WholeDictionary, HasEveryNodeAmongTheChildrenOfItsParent) {
+TEST(WholeDictionary, HasEveryNodeButTheAliasesOfOrganisationsAmongTheChildrenOfItsParent) {
     ForEachNode([](uint32_t n) {
         uint32_t const nParent = Nodes()[n].nParent;
         if (nParent == NONE) return Nodes()[n].nLevel == PREF;
+        if (Nodes()[n].bAlias) return Nodes()[n].nLevel == OFFICE;
         return n >= Nodes()[nParent].nFirstChild && n - Nodes()[nParent].nFirstChild < Nodes()[nParent].nChildren;
     });
 }
@@ -106,19 +109,91 @@ TEST(WholeDictionary, HasEveryEntryReferredToByItsNode) {
     PrintFigure("nodes", Nodes().size());
 }
 
-TEST(WholeDictionary, HasNoNodeButACityReferringToAnothersEntry) {
+TEST(WholeDictionary, HasNoNodeReferringToAnothersEntryButCitiesTownsWithOneCodeAndAliases) {
     ForEachNode([](uint32_t n) {
         CNode const& node = Nodes()[n];
-        return node.nEntry == NONE || node.nLevel == CITY ||
+        return node.nEntry == NONE || node.nLevel == CITY || node.nLevel == TOWN || node.bAlias ||
                (node.nEntry < Entries().size() && Entries()[node.nEntry].nNode == n);
     });
 }
 
-TEST(WholeDictionary, HasNoSupersededEntryWithoutEarlierEditions) {
+// The entries of a town and its parts; organisations have their own.
+struct CPartsOfTown {
+    std::vector<uint32_t> vEntry; // in the order of the nodes
+    std::set<std::string_view> vCode;
+};
+std::map<uint32_t, CPartsOfTown> PartsOfTowns() {
+    std::map<uint32_t, CPartsOfTown> mapTown;
+    for (uint32_t n = 0; n < Nodes().size(); ++n) {
+        CNode const& node = Nodes()[n];
+        bool const bOwn = node.nEntry != NONE && Entries()[node.nEntry].nNode == n;
+        if (!bOwn || node.nLevel < TOWN || node.nLevel == OFFICE) continue;
+        CPartsOfTown& town = mapTown[Official().Ancestor(n, TOWN)];
+        town.vEntry.push_back(node.nEntry);
+        town.vCode.insert(Entries()[node.nEntry].strCode);
+    }
+    return mapTown;
+}
+
+// 札幌市中央区北四条東 has 060-0034 in all its parts, so the town has it, too.
+TEST(WholeDictionary, HasTheTownsWhosePartsHaveOneCodeReferringToTheFirstOfThemAndNoOthers) {
+    auto const mapTown = PartsOfTowns();
+    size_t nOne = 0, nSeveral = 0;
+    ForEachNode([&](uint32_t n) {
+        CNode const& node = Nodes()[n];
+        if (node.nLevel != TOWN) return true;
+        auto const pParts = mapTown.find(n);
+        if (pParts == mapTown.end()) return node.nEntry == NONE;
+        CPartsOfTown const& parts = pParts->second;
+        if (Entries()[parts.vEntry.front()].nNode == n) return node.nEntry == parts.vEntry.front();
+        if (node.strName.empty()) return node.nEntry == NONE;
+        bool const bOne = parts.vCode.size() == 1;
+        ++(bOne ? nOne : nSeveral);
+        return node.nEntry == (bOne ? parts.vEntry.front() : NONE);
+    });
+    PrintFigure("towns with the one code of all their parts", nOne);
+    PrintFigure("towns with several codes and none of their own", nSeveral);
+    EXPECT_EQ(nOne, CompilersCount("towns_with_the_one_code_of_their_areas"));
+    EXPECT_EQ(nSeveral, CompilersCount("towns_with_several_codes_and_no_default"));
+}
+
+// Prefecture, city and town of an entry, for comparison with the tables.
+CTownKey KeyOf(uint32_t nEntry) {
+    CAddress const a = Official().Address(nEntry);
+    return {std::string(a.strPref.value_or("")), std::string(a.strCity.value_or("")),
+            std::string(a.strTown.value_or(""))};
+}
+
+TEST(WholeDictionary, HasExactlyTheTownsThatAreGoneAsSupersededEntries) {
+    std::multiset<std::vector<std::string>> vMissing;
+    for (CGoneTown const& town : GoneTowns()) vMissing.insert({ExpectedText(town), town.strCode, town.strOldCode});
+    PrintFigure("towns that are gone", vMissing.size());
+    EXPECT_EQ(vMissing.size(), CompilersCount("superseded_towns"));
+    EXPECT_EQ(CompilersCount("superseded_towns_left_out"), 0u);
     CFailures failures;
-    for (CEntry const& entry : Entries()) {
-        if (entry.bSuperseded) failures.Add(std::string(entry.strCode));
+    for (uint32_t n = 0; n < Entries().size() && !failures.Enough(); ++n) {
+        CEntry const& entry = Entries()[n];
+        if (!entry.bSuperseded) continue;
+        auto const pFound = vMissing.find(
+            {AddressText(Official().Address(n)), std::string(entry.strCode), std::string(entry.strOldCode)});
+        if (pFound == vMissing.end())
+            failures.Add("no earlier edition explains " + PathOf(KeyOf(n)) + " " + std::string(entry.strCode));
+        else
+            vMissing.erase(pFound);
+    }
+    for (std::vector<std::string> const& town : vMissing) {
         if (failures.Enough()) return;
+        failures.Add("missing: " + town[0] + " " + town[1] + " " + town[2]);
+    }
+}
+
+TEST(WholeDictionary, HasASuccessorOfTodayForEverySupersededEntry) {
+    CFailures failures;
+    for (uint32_t n = 0; n < Entries().size() && !failures.Enough(); ++n) {
+        if (!Entries()[n].bSuperseded) continue;
+        CEntry const& heir = Entries()[Entries()[n].nSuccessor];
+        if (heir.bSuperseded || Nodes()[heir.nNode].nLevel == OFFICE || !Today().Has(KeyOf(Entries()[n].nSuccessor)))
+            failures.Add(PathOf(KeyOf(n)) + " is succeeded by " + PathOf(KeyOf(Entries()[n].nSuccessor)));
     }
 }
 
@@ -177,6 +252,16 @@ TEST(WholeDictionary, HasItsPrefecturesInTheOrderOfTheTable) {
     EXPECT_EQ(vFound.back(), "沖縄県");
 }
 
+std::set<std::string> const& GoneCities() {
+    static std::set<std::string> const vCity = [] {
+        std::set<std::string> v;
+        for (CGoneTown const& town : GoneTowns())
+            if (town.bCityGone) v.insert(CityKey(std::get<0>(town.key), std::get<1>(town.key)));
+        return v;
+    }();
+    return vCity;
+}
+
 TEST(WholeDictionary, HasItsCitiesInTheOrderOfTheTable) {
     std::vector<std::string> vExpected;
     std::set<std::string> vSeen;
@@ -184,12 +269,33 @@ TEST(WholeDictionary, HasItsCitiesInTheOrderOfTheTable) {
         if (std::string const strCity = CityKey(row.strPref, row.strCity); vSeen.insert(strCity).second)
             vExpected.push_back(strCity);
     CFailures failures;
-    std::vector<uint32_t> const vCity = NodesOfLevel(CITY);
+    std::vector<uint32_t> vCity = NodesOfLevel(CITY);
+    vCity.erase(
+        std::remove_if(vCity.begin(), vCity.end(), [](uint32_t n) { return GoneCities().count(CityOf(n)) != 0; }),
+        vCity.end());
     ASSERT_EQ(vCity.size(), vExpected.size());
     for (size_t n = 0; n < vCity.size() && !failures.Enough(); ++n)
         if (CityOf(vCity[n]) != vExpected[n])
             failures.Add(CityOf(vCity[n]) + " stands where " + vExpected[n] + " should");
     PrintFigure("cities", vCity.size());
+}
+
+TEST(WholeDictionary, HasEveryCityThatIsGoneOnceBehindThoseOfTodayInItsPrefecture) {
+    std::set<std::string> vFound;
+    ForEachNode([&vFound](uint32_t n) {
+        if (Nodes()[n].nLevel != PREF) return true;
+        bool bGone = false;
+        for (uint32_t i = 0; i < Nodes()[n].nChildren; ++i) {
+            std::string const strCity = CityOf(Nodes()[n].nFirstChild + i);
+            bool const bGoneBefore = bGone;
+            bGone = GoneCities().count(strCity) != 0;
+            if (bGone && !vFound.insert(strCity).second) return false;
+            if (bGoneBefore && !bGone) return false;
+        }
+        return true;
+    });
+    EXPECT_EQ(vFound, GoneCities());
+    PrintFigure("cities that are gone", vFound.size());
 }
 
 // The towns of every city, in their order.
@@ -229,9 +335,10 @@ bool IsOfTable(std::string const& strCity, std::string_view strTown) {
     return !ExpectedTowns().ReadingsOf(strCity, std::string(strTown)).empty();
 }
 
-// Towns that begin no other's name and are begun by none; two towns of one name stand together, so they are left out.
-std::vector<std::string_view> Unrelated(std::vector<std::string_view> const& vName) {
-    std::set<std::string_view> const vAll(vName.begin(), vName.end());
+// Of the names those that begin no other one of all and are begun by none; two towns of one name stand together, so they
+// are left out.
+std::vector<std::string_view> Unrelated(std::vector<std::string_view> const& vName,
+                                        std::set<std::string_view> const& vAll) {
     std::set<std::string_view> vSeen, vRelated;
     for (std::string_view strName : vName) {
         if (!vSeen.insert(strName).second) vRelated.insert(strName);
@@ -247,33 +354,42 @@ std::vector<std::string_view> Unrelated(std::vector<std::string_view> const& vNa
 TEST(WholeDictionary, HasAllOtherTownsInTheOrderOfTheTable) {
     ForEachCity([](CFailures& failures, uint32_t nCity, std::vector<uint32_t> const& vTown) {
         std::vector<std::string_view> vFound, vExpected;
+        if (GoneCities().count(CityOf(nCity)) != 0) return;
+        std::set<std::string_view> vAll; // old ones move towns of today behind them, too
+        for (uint32_t nTown : vTown) vAll.insert(Nodes()[nTown].strName);
         for (uint32_t nTown : vTown)
             if (IsOfTable(CityOf(nCity), Nodes()[nTown].strName) && !Nodes()[nTown].strName.empty())
                 vFound.push_back(Nodes()[nTown].strName);
         for (CExpectedTowns::CTown const& town : ExpectedTowns().TownsOf(CityOf(nCity)))
             if (!town.name.strName.empty())
                 vExpected.insert(vExpected.end(), std::max(town.nDefaults, 1u), town.name.strName);
-        if (Unrelated(vFound) != Unrelated(vExpected)) failures.Add(CityOf(nCity));
+        if (Unrelated(vFound, vAll) != Unrelated(vExpected, vAll)) failures.Add(CityOf(nCity));
     });
 }
 
 // City, name and reading of every town that there should be; one more for each further row that is the town itself.
 std::multiset<std::vector<std::string>> ExpectedTownNodes() {
     std::multiset<std::vector<std::string>> vNode;
-    for (uint32_t nCity : NodesOfLevel(CITY))
+    for (uint32_t nCity : NodesOfLevel(CITY)) {
+        if (GoneCities().count(CityOf(nCity)) != 0) continue;
         for (CExpectedTowns::CTown const& town : ExpectedTowns().TownsOf(CityOf(nCity)))
             for (unsigned n = 0; n < std::max(town.nDefaults, 1u); ++n)
                 vNode.insert({CityOf(nCity), town.name.strName, town.name.strKana});
-    std::set<std::vector<std::string>> vOwn; // of organisations
-    for (COfficeRow const& row : OfficeRows()) {
-        std::string const strCity = CityKey(row.strPref, row.strCity);
-        if (!IsOfTable(strCity, row.strTown) &&
-            (row.strTown.empty() || ExpectedTowns().FoldedAlike(strCity, row.strTown).empty()))
-            vOwn.insert({strCity, row.strTown, ""});
     }
     PrintFigure("towns of the town table", vNode.size());
-    PrintFigure("towns that only organisations name", vOwn.size());
-    vNode.insert(vOwn.begin(), vOwn.end());
+    PrintFigure("towns that only organisations name", OfficeTowns().size());
+    for (auto const& [strCity, strTown] : OfficeTowns()) vNode.insert({strCity, strTown, ""});
+    size_t nOffices = 0;
+    for (CGoneTown const& town : GoneTowns()) {
+        auto const& [strPref, strCity, strTown] = town.key;
+        std::string const strKey = CityKey(strPref, strCity);
+        if (OfficeTowns().count({strKey, strTown}) != 0)
+            ++nOffices; // one node for both
+        else
+            vNode.insert({strKey, strTown, town.strTownKana});
+    }
+    PrintFigure("towns that are gone", GoneTowns().size());
+    PrintFigure("of them towns that organisations name", nOffices);
     return vNode;
 }
 
@@ -295,24 +411,17 @@ TEST(WholeDictionary, HasExactlyTheTownsThatTheTablesName) {
     }
 }
 
-// The code that stands for a whole city: the first row for all that is not listed, else the first of its numbers.
-std::map<std::string, std::string_view> CityCodes() {
-    std::map<std::string, std::string_view> mapWhole, mapNumbers;
-    for (size_t n = 0; n < TownRows().size(); ++n) {
-        CTownRow const& row = TownRows()[n];
-        if (!ExpectedTowns().PlacesOf(n).front().town.strName.empty()) continue;
-        bool const bNumbers = row.strTown.find("の次に") != std::string_view::npos;
-        (bNumbers ? mapNumbers : mapWhole).emplace(CityKey(row.strPref, row.strCity), row.strCode);
-    }
-    mapWhole.insert(mapNumbers.begin(), mapNumbers.end());
-    return mapWhole;
-}
-
 TEST(WholeDictionary, HasEveryCityReferringToTheEntryThatStandsForTheWholeOfIt) {
-    std::map<std::string, std::string_view> const mapCode = CityCodes();
+    std::map<std::string, std::string_view> const& mapCode = CityCodes();
     ForEachNode([&](uint32_t n) {
         CNode const& node = Nodes()[n];
         if (node.nLevel != CITY) return true;
+        if (GoneCities().count(CityOf(n)) != 0) { // its nameless town, which is superseded
+            if (node.nEntry >= Entries().size()) return false;
+            CEntry const& entry = Entries()[node.nEntry];
+            CNode const& town = Nodes()[entry.nNode];
+            return entry.bSuperseded && town.nLevel == TOWN && town.strName.empty() && town.nParent == n;
+        }
         auto const pCode = mapCode.find(CityOf(n));
         return pCode != mapCode.end() && node.nEntry < Entries().size() &&
                Entries()[node.nEntry].strCode == pCode->second &&
@@ -335,6 +444,51 @@ TEST(WholeDictionary, HasAllCitiesInTheCityIndexByName) {
 }
 TEST(WholeDictionary, HasAllOrganisationsInTheirIndexByName) {
     ExpectIndex(Official().OfficeIndex(), OFFICE);
+}
+
+// The index finds an organisation by its name as it is shown and by its name as it is searched for.
+TEST(WholeDictionary, HasAnAliasBehindAllOtherNodesForEveryOrganisation) {
+    std::map<uint32_t, size_t> mapAliases; // by entry
+    uint32_t nLast = 0, nFirst = NONE;
+    ForEachNode([&](uint32_t n) {
+        CNode const& alias = Nodes()[n];
+        if (!alias.bAlias) {
+            nLast = n;
+            return true;
+        }
+        nFirst = std::min(nFirst, n);
+        ++mapAliases[alias.nEntry];
+        if (alias.nEntry >= Entries().size() || alias.nLevel != OFFICE) return false;
+        CNode const& office = Nodes()[Entries()[alias.nEntry].nNode];
+        return office.nLevel == OFFICE && !office.bAlias && office.nParent == alias.nParent && alias.nChildren == 0 &&
+               alias.strKana.empty() && alias.strName.size() <= NAME_LIMIT;
+    });
+    EXPECT_EQ(mapAliases.size(), OfficeRows().size());
+    for (auto const& [nEntry, nCount] : mapAliases) EXPECT_EQ(nCount, 1u) << Describe(Entries()[nEntry].nNode);
+    EXPECT_LT(nLast, nFirst);
+    EXPECT_EQ(Official().OfficeIndex().size(), 2 * OfficeRows().size());
+    PrintFigure("aliases", mapAliases.size());
+}
+
+TEST(WholeDictionary, HasTheNamesThatAreSearchedForAsAliases) {
+    std::multiset<std::vector<std::string>> vMissing;
+    for (COfficeRow const& row : OfficeRows())
+        vMissing.insert({row.strCode, CutName(row.strName), row.strKana, AliasOf(row.strName)});
+    CFailures failures;
+    ForEachNode([&](uint32_t n) {
+        if (!Nodes()[n].bAlias) return true;
+        CEntry const& entry = Entries()[Nodes()[n].nEntry];
+        CNode const& office = Nodes()[entry.nNode];
+        auto const pFound = vMissing.find({std::string(entry.strCode), std::string(office.strName),
+                                           std::string(office.strKana), std::string(Nodes()[n].strName)});
+        if (pFound == vMissing.end()) return false;
+        vMissing.erase(pFound);
+        return true;
+    });
+    for (std::vector<std::string> const& alias : vMissing) {
+        if (failures.Enough()) return;
+        failures.Add("missing: " + alias[0] + " " + alias[1] + " as " + alias[3]);
+    }
 }
 
 TEST(WholeDictionary, HasNoDigitWithMoreAddressesThanABlockCounts) {

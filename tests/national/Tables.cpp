@@ -2,8 +2,8 @@
 #include "Tables.h"
 
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
+#include <unordered_map>
 
 namespace national {
 
@@ -72,9 +72,13 @@ std::string DataPath(std::string const& strFile) {
 }
 
 std::string ReadFile(std::string const& strPath) {
-    std::ifstream file(strPath, std::ios::binary);
+    std::ifstream file(strPath, std::ios::binary | std::ios::ate);
     if (!file) throw std::runtime_error(strPath + " cannot be read; tests/national/prepare.sh makes it");
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::string strBytes(static_cast<size_t>(file.tellg()), '\0');
+    file.seekg(0);
+    if (!file.read(strBytes.data(), static_cast<std::streamsize>(strBytes.size())))
+        throw std::runtime_error(strPath + " cannot be read to its end");
+    return strBytes;
 }
 
 std::vector<CTownRow> const& TownRows() {
@@ -87,6 +91,36 @@ std::vector<CTownRow> const& TownRows() {
         return v;
     }();
     return vRow;
+}
+
+CJoinedTable::CJoinedTable(std::string const& strPath) : m_strText(ReadFile(strPath)) {
+    auto const Keep = [this](std::string str) -> std::string_view {
+        m_vText.push_back(std::move(str));
+        return m_vText.back();
+    };
+    auto const IsOpen = [](std::string_view str, std::string_view strOpen, std::string_view strClose) {
+        return str.find(strOpen) != std::string_view::npos && str.find(strClose) == std::string_view::npos;
+    };
+    std::unordered_map<std::string_view, std::string_view> mapWide; // prefectures and cities come again and again
+    auto const Wide = [&](std::string_view str) {
+        auto const [pFound, bNew] = mapWide.emplace(str, "");
+        if (bNew) pFound->second = Keep(FullWidth(str));
+        return pFound->second;
+    };
+    ForEachLine(m_strText, TOWN_FIELDS, [&](size_t nLine, std::vector<std::string_view> const& f) {
+        if (!m_vRow.empty() && IsOpen(m_vRow.back().strTown, "（", "）")) {
+            CTownRow& row = m_vRow.back();
+            // A reading that is complete already is only repeated.
+            if (IsOpen(row.strTownKana, "(", ")")) row.strTownKana = Keep(std::string(row.strTownKana).append(f[5]));
+            row.strTown = Keep(std::string(row.strTown).append(f[8]));
+            return;
+        }
+        m_vRow.push_back({nLine, WithoutPadding(f[1]), f[2], Wide(f[3]), Wide(f[4]), f[5], f[6], f[7], f[8]});
+    });
+    for (CTownRow& row : m_vRow) {
+        row.strTownKana = Keep(FullWidth(row.strTownKana));
+        if (std::string const strTown = TableDashes(row.strTown); strTown != row.strTown) row.strTown = Keep(strTown);
+    }
 }
 
 std::vector<COfficeRow> const& OfficeRows() {
@@ -179,6 +213,38 @@ std::string CutName(std::string const& strName) {
     if (BeginsWith(std::string_view(strName).substr(strFit.size()), "　")) return strFit;
     size_t const nBlank = strFit.rfind("　");
     return nBlank == std::string::npos ? strFit : strFit.substr(0, nBlank);
+}
+
+std::string SearchedName(std::string_view strName) {
+    constexpr std::string_view FORMS[] = {"株式会社", "（株）",           "有限会社",     "（有）",
+                                          "財団法人", "（財）",           "社団法人",     "（社）",
+                                          "学校法人", "特定医療法人財団", "医療法人財団", "医療法人社団",
+                                          "医療法人", "社会福祉法人",     "独立行政法人"};
+    std::string str;
+    for (size_t n = 0; n < strName.size(); ++n) {
+        if (strName.substr(n, 2) == "\xE3\x80")
+            ++n;
+        else if (strName[n] != ' ' && strName[n] != ',')
+            str += strName[n];
+    }
+    for (std::string_view strForm : FORMS) {
+        if (BeginsWith(str, strForm)) return str.substr(strForm.size());
+        if (EndsWith(str, strForm)) return str.substr(0, str.size() - strForm.size());
+    }
+    return str;
+}
+
+std::string AliasOf(std::string const& strName) {
+    std::string str = strName;
+    ReplaceAll(str, "　", "");
+    return CutName(SearchedName(str));
+}
+
+std::string WithoutBlanks(std::string_view strName) {
+    std::string str(strName);
+    ReplaceAll(str, "　", "");
+    ReplaceAll(str, " ", "");
+    return str;
 }
 
 } // namespace national

@@ -3,6 +3,7 @@
 #ifndef QEADRS_TESTS_NATIONAL_TABLES_H
 #define QEADRS_TESTS_NATIONAL_TABLES_H
 
+#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +24,21 @@ struct CTownRow {
     std::string_view strPref, strCity, strTown;
 };
 std::vector<CTownRow> const& TownRows();
+
+// The rows of an edition in the older format, which breaks long rows over several lines and writes readings in half
+// width: joined, and written as the town table writes them. Texts lead into the object.
+class CJoinedTable {
+  public:
+    explicit CJoinedTable(std::string const& strPath);
+    CJoinedTable(CJoinedTable const&) = delete;
+    CJoinedTable& operator=(CJoinedTable const&) = delete;
+    std::vector<CTownRow> const& Rows() const { return m_vRow; }
+
+  private:
+    std::string m_strText;
+    std::deque<std::string> m_vText; // what is not in the file as it is
+    std::vector<CTownRow> m_vRow;
+};
 
 // A row of the organisation table, with its reading in full width and the dashes of its address as the town table
 // writes them. The name stays as it is.
@@ -46,6 +62,13 @@ std::string_view FirstCharacter(std::string_view str);
 
 // At most 127 bytes of a name: what stands before its last blank there, else as many whole characters as fit.
 std::string CutName(std::string const& strName);
+
+// A text of the caller as a search for an organisation turns it: without ASCII blanks and commas and without the first
+// two bytes of every character of the block around the ideographic space, then without one legal form in front or
+// behind. AliasOf: a name of the table without its ideographic spaces, turned so and cut.
+std::string SearchedName(std::string_view strName);
+std::string AliasOf(std::string const& strName);
+std::string WithoutBlanks(std::string_view strName); // of both widths
 
 inline bool BeginsWith(std::string_view str, std::string_view strHead) {
     return str.substr(0, strHead.size()) == strHead;

@@ -2,6 +2,7 @@
 #include "ExpectedRow.h"
 #include "Failures.h"
 #include "Lookup.h"
+#include "Previous.h"
 
 #include <algorithm>
 #include <map>
@@ -10,12 +11,14 @@ using namespace national;
 
 namespace {
 
-// Expected addresses by code, sorted.
+// Expected addresses by code, sorted: those of its rows, and the towns that are gone whose code it was.
 std::map<std::string_view, std::vector<std::string>> ExpectedByCode() {
     std::map<std::string_view, std::vector<std::string>> mapCode;
     for (size_t n = 0; n < TownRows().size(); ++n)
         for (CPlace const& place : ExpectedTowns().PlacesOf(n))
             mapCode[TownRows()[n].strCode].push_back(ExpectedText(TownRows()[n], place));
+    for (CGoneTown const& town : GoneTowns())
+        if (OfficeCodes().count(town.strCode) == 0) mapCode[town.strCode].push_back(ExpectedText(town));
     for (auto& [strCode, vText] : mapCode) std::sort(vText.begin(), vText.end());
     return mapCode;
 }
@@ -57,7 +60,7 @@ TEST(WholeTownTable, GivesNoAddressThatNoRowExplains) {
         for (std::string const& strExtra : vExtra) failures.Add(std::string(strCode) + " gives " + strExtra);
         if (failures.Enough()) return;
     }
-    PrintFigure("codes of the town table looked up", mapExpected.size());
+    PrintFigure("codes of towns looked up", mapExpected.size());
     PrintFigure("addresses that they give", nAnswers);
 }
 
