@@ -1,4 +1,4 @@
-// Benchmarks.h - the two families of benchmarks, registered with Google Benchmark by main.
+// Benchmarks.h - the families of benchmarks, registered with Google Benchmark by main.
 #ifndef QEADRS_BENCH_BENCHMARKS_H
 #define QEADRS_BENCH_BENCHMARKS_H
 
@@ -36,6 +36,9 @@ struct CBench {
 void CheckAnswers(CBench& bench, std::ostream& out);
 
 void RegisterLookups(CBench& bench);
+
+// Tells first how often library and yardstick find the same town.
+void RegisterAddressText(CBench& bench, std::ostream& out);
 void RegisterOpenAndCompile(CBench& bench);
 
 // Starts the dictionary compiler; returns its peak memory and throws when it fails.

@@ -107,6 +107,7 @@ int Measure(CChildRunner& runner) {
                     runner};
     CheckAnswers(bench, std::cout);
     RegisterLookups(bench);
+    RegisterAddressText(bench, std::cout);
     RegisterOpenAndCompile(bench);
     CRatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);

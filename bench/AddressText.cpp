@@ -1,0 +1,201 @@
+// AddressText.cpp - from an address to its town and code: each query beside a sorted list of whole town paths that is
+// searched for the longest one that begins the text, once in memory and once in SQLite.
+#include "bench/Addresses.h"
+#include "bench/Benchmarks.h"
+
+#include <algorithm>
+#include <ostream>
+#include <stdexcept>
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+using benchmark::DoNotOptimize;
+
+constexpr char NOTHING[] = "アトランティス市海底１－２－３";
+constexpr char SQL_TOWN[] = "SELECT path FROM town WHERE path <= ?1 ORDER BY path DESC LIMIT 1";
+constexpr char SQL_PREF[] = "SELECT ext, code, pref, city, town, area, office FROM addr WHERE pref = ?1";
+constexpr char SQL_ALL[] = "SELECT ext, code, pref, city, town, area, office FROM addr";
+
+// --- the yardstick: the longest path that begins the text ----------------------------------------------------------
+
+// Below(text) is the last path in order that is not above the text. When that does not begin the text, no path that
+// does is longer than what the two have in common.
+template <typename F>
+std::string_view LongestPath(std::string_view strText, F const& Below) {
+    while (!strText.empty()) {
+        std::string_view const strPath = Below(strText);
+        size_t const nCommon = static_cast<size_t>(
+            std::mismatch(strPath.begin(), strPath.end(), strText.begin(), strText.end()).first - strPath.begin());
+        if (nCommon == strPath.size()) return strPath;
+        strText = strText.substr(0, nCommon);
+    }
+    return {};
+}
+
+std::string_view LongestInMemory(std::vector<std::string> const& vPath, std::string_view strText) {
+    return LongestPath(strText, [&](std::string_view strKey) -> std::string_view {
+        auto const p = std::upper_bound(vPath.begin(), vPath.end(), strKey);
+        return p == vPath.begin() ? std::string_view() : std::string_view(*std::prev(p));
+    });
+}
+
+std::string_view LongestInSqlite(CStatement& select, std::vector<char>& vText, std::string_view strText) {
+    return LongestPath(strText, [&](std::string_view strKey) -> std::string_view {
+        select.Bind(1, strKey);
+        return select.CopyRows(vText) == 0 ? std::string_view() : std::string_view(vText.data(), vText.size() - 1);
+    });
+}
+
+void FillPaths(CSqlite& db, std::vector<std::string> const& vPath) {
+    db.Execute("BEGIN; CREATE TABLE town (path TEXT PRIMARY KEY) WITHOUT ROWID");
+    {
+        CStatement insert(db, "INSERT INTO town VALUES (?1)");
+        std::vector<char> vNothing;
+        for (std::string const& strPath : vPath) {
+            insert.Bind(1, strPath);
+            insert.CopyRows(vNothing);
+        }
+    }
+    db.Execute("COMMIT; ANALYZE");
+}
+
+// --- the loops -----------------------------------------------------------------------------------------------------
+
+// Asks for the texts one after the other, round and round.
+template <typename T, typename F>
+void AddLoop(std::string const& strName, std::vector<T> const& vText, F Ask) {
+    benchmark::RegisterBenchmark(strName.c_str(), [&vText, Ask = std::move(Ask)](benchmark::State& state) {
+        size_t n = 0;
+        for (auto _ : state) {
+            Ask(vText[n]);
+            if (++n == vText.size()) n = 0;
+        }
+        state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
+    });
+}
+
+void AddDivide(CAddrDic& dic, std::string const& strGroup, std::vector<std::string> const& vText) {
+    AddLoop(strGroup + "/DivideAddr", vText, [&dic](std::string const& strText) {
+        tagADDR addr(0);
+        DoNotOptimize(dic.DivideAddr(strText.c_str(), &addr));
+        DoNotOptimize(addr.pTownNode);
+    });
+}
+
+void AddCode(CAddrDic& dic, std::string const& strGroup, std::vector<std::string> const& vText) {
+    AddLoop(strGroup + "/GetPostCodeFromAddr", vText, [&dic](std::string const& strText) {
+        tagADDR addr(0);
+        DoNotOptimize(dic.GetPostCodeFromAddr(strText.c_str(), nullptr, addr));
+        DoNotOptimize(addr.pszPostCode);
+    });
+}
+
+void AddLatest(CAddrDic& dic, std::string const& strGroup, std::vector<std::string> const& vText) {
+    AddLoop(strGroup + "/GetLatestAddr", vText, [&dic](std::string const& strText) {
+        tagADDR addr(0);
+        DoNotOptimize(dic.GetLatestAddr(strText.c_str(), addr));
+        DoNotOptimize(addr.pszTown);
+    });
+}
+
+void AddYardsticks(std::string const& strGroup, std::vector<std::string> const& vText,
+                   std::vector<std::string> const& vPath, CSqlite& db) {
+    AddLoop(strGroup + "/lower_bound", vText,
+            [&vPath](std::string const& strText) { DoNotOptimize(LongestInMemory(vPath, strText)); });
+    benchmark::RegisterBenchmark((strGroup + "/sqlite_memory").c_str(), [&vText, &db](benchmark::State& state) {
+        CStatement select(db, SQL_TOWN);
+        std::vector<char> vRow;
+        size_t n = 0;
+        for (auto _ : state) {
+            DoNotOptimize(LongestInSqlite(select, vRow, vText[n]));
+            if (++n == vText.size()) n = 0;
+        }
+    });
+}
+
+// The name is normalised in place, so each call gets a copy, as a caller's record would hold it.
+void AddOffices(CAddrDic& dic, std::vector<COfficeText> const& vOffice) {
+    AddLoop("office/GetPostCodeFromAddr", vOffice, [&dic](COfficeText const& office) {
+        char szName[256];
+        size_t const nLength = std::min(office.strName.size(), sizeof szName - 1);
+        std::memcpy(szName, office.strName.data(), nLength);
+        szName[nLength] = '\0';
+        tagADDR addr(0);
+        DoNotOptimize(dic.GetPostCodeFromAddr(office.strAddress.c_str(), szName, addr));
+        DoNotOptimize(addr.pszPostCode);
+    });
+}
+
+// A partial text with very many answers, beside all seven texts of the same rows copied.
+void AddPart(CBench& bench, std::string const& strGroup, std::string const& strText, char const* pszSql) {
+    benchmark::RegisterBenchmark((strGroup + "/GetAddrFromAddrPart").c_str(), [&bench, strText](auto& state) {
+        size_t nFound = 0;
+        for (auto _ : state) {
+            std::vector<tagADDR> vAddr;
+            bench.dictionary.Dic().GetAddrFromAddrPart(strText.c_str(), vAddr);
+            DoNotOptimize(vAddr.data());
+            nFound += vAddr.size();
+        }
+        state.SetItemsProcessed(static_cast<int64_t>(nFound));
+    });
+    benchmark::RegisterBenchmark((strGroup + "/sqlite_memory").c_str(), [&bench, strText, pszSql](auto& state) {
+        CStatement select(bench.memory, pszSql);
+        std::vector<char> vRow;
+        for (auto _ : state) {
+            if (!strText.empty()) select.Bind(1, strText);
+            DoNotOptimize(select.CopyRows(vRow));
+        }
+    });
+}
+
+// How often the town that the library finds is the longest path in the list.
+void CompareTowns(CAddrDic& dic, std::vector<std::string> const& vText, std::vector<std::string> const& vPath,
+                  CSqlite& db, bool bPref, char const* pszWhat, std::ostream& out) {
+    CStatement select(db, SQL_TOWN);
+    std::vector<char> vRow;
+    size_t nSame = 0;
+    for (std::string const& strText : vText) {
+        tagADDR addr(0);
+        dic.DivideAddr(strText.c_str(), &addr);
+        std::string strFound = addr.pszPref != nullptr && bPref ? addr.pszPref : "";
+        for (char const* psz : {addr.pszCity, addr.pszTown}) strFound += psz == nullptr ? "" : psz;
+        if (LongestInMemory(vPath, strText) != LongestInSqlite(select, vRow, strText))
+            throw std::runtime_error("the two lists of towns answer differently for " + strText);
+        if (strFound == LongestInMemory(vPath, strText)) ++nSame;
+    }
+    out << "same answers, " << pszWhat << ": " << nSame << " of " << vText.size() << '\n';
+}
+
+} // namespace
+
+void RegisterAddressText(CBench& bench, std::ostream& out) {
+    CAddrDic& dic = bench.dictionary.Dic();
+    static CAddressTexts const texts = MakeAddressTexts(dic);
+    static std::vector<std::string> const vNothing = {NOTHING};
+    static CSqlite paths(":memory:");
+    static CSqlite barePaths(":memory:");
+    FillPaths(paths, texts.vPath);
+    FillPaths(barePaths, texts.vBarePath);
+    CompareTowns(dic, texts.vWhole, texts.vPath, paths, true, "towns of whole addresses", out);
+    CompareTowns(dic, texts.vBare, texts.vBarePath, barePaths, false, "towns of addresses without prefecture", out);
+
+    AddDivide(dic, "address", texts.vWhole);
+    AddCode(dic, "address", texts.vWhole);
+    AddLatest(dic, "address", texts.vWhole);
+    AddYardsticks("address", texts.vWhole, texts.vPath, paths);
+    AddDivide(dic, "address_bare", texts.vBare);
+    AddCode(dic, "address_bare", texts.vBare);
+    AddLatest(dic, "address_bare", texts.vBare);
+    AddYardsticks("address_bare", texts.vBare, texts.vBarePath, barePaths);
+    if (!texts.vGone.empty()) {
+        AddLatest(dic, "address_gone", texts.vGone);
+        AddYardsticks("address_gone", texts.vGone, texts.vPath, paths);
+    }
+    AddDivide(dic, "nothing", vNothing);
+    AddYardsticks("nothing", vNothing, texts.vPath, paths);
+    AddOffices(dic, texts.vOffice);
+    AddPart(bench, "part_prefecture", "東京都", SQL_PREF);
+    AddPart(bench, "part_all", "", SQL_ALL);
+}
