@@ -99,9 +99,9 @@ QEADRS_API short PstAdrGetZip(void* pRecord);
 QEADRS_API short PstAdrGetLatestAdr(void* pRecord);
 
 // All addresses that a partial address can stand for, in dictionary order: all below the levels that it names, or
-// below the prefectures and cities whose names it begins. 0 with a block in *phResult; 1 for null arguments and a text
-// that fits nothing (*phResult untouched), and when there is no memory (*phResult is the handle as far as there is
-// one). The block is that of GetAdrFromZip, with the old postal code at +4; its count has 16 bits, while "" finds
+// below the prefectures and cities whose names it begins. 0 with a block in *phResult; 1 for null arguments and a
+// text that fits nothing (*phResult untouched), and when there is no memory (*phResult is the handle as far as there
+// is one). The block is that of GetAdrFromZip, with the old postal code at +4; its count has 16 bits, while "" finds
 // more addresses than that: the pool's offset tells their true number, (offset - 12) / 28.
 QEADRS_API int GetAdrFromAdd(char const* pszText, HGLOBAL* phResult);
 

@@ -29,13 +29,7 @@ int FindPrefRow(std::string const& strPref) {
 // library itself, which strips blanks, one legal form and, of every character of the block around the ideographic
 // space, the first two bytes. Made of the whole name: without its blanks many a long one fits.
 std::string SearchedName(std::string const& strName) {
-    std::string strSearched;
-    for (size_t nPos = 0; nPos < strName.size();) {
-        std::string_view const strRest = std::string_view(strName).substr(nPos);
-        size_t const nSize = CharacterSize(strRest);
-        if (!BeginsWith(strRest, "　")) strSearched += strRest.substr(0, nSize);
-        nPos += nSize;
-    }
+    std::string strSearched = WithoutBlanks(strName);
     CAddrDic().SearchInc(strSearched.data());
     strSearched.resize(std::strlen(strSearched.c_str()));
     return CutName(strSearched, NAME_LIMIT);

@@ -174,17 +174,6 @@ class CMeasurement {
         return bFound;
     }
 
-    static std::string WithoutBlanks(std::string const& strName) {
-        std::string str;
-        for (size_t nPos = 0; nPos < strName.size();) {
-            std::string_view const strRest = std::string_view(strName).substr(nPos);
-            size_t const nSize = CharacterSize(strRest);
-            if (!BeginsWith(strRest, "　") && strRest[0] != ' ') str += strRest.substr(0, nSize);
-            nPos += nSize;
-        }
-        return str;
-    }
-
     std::string AskOffice(std::string const& strAddress, std::string strName, tagADDR& addr) {
         m_dic.GetPostCodeFromAddr(strAddress.c_str(), strName.data(), addr);
         return Text(addr.pszPostCode);

@@ -198,6 +198,16 @@ std::string FoldTownName(std::string_view str) {
     return strFolded;
 }
 
+std::string WithoutBlanks(std::string_view str) {
+    std::string strKept;
+    while (!str.empty()) {
+        size_t const nSize = CharacterSize(str);
+        if (str[0] != ' ' && !BeginsWith(str, IDEOGRAPHIC_SPACE)) strKept += str.substr(0, nSize);
+        str.remove_prefix(nSize);
+    }
+    return strKept;
+}
+
 std::string CutName(std::string_view str, size_t nLimit) {
     if (str.size() <= nLimit) return std::string(str);
     size_t nCut = 0;   // end of the last whole character within the limit

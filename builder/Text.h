@@ -45,6 +45,9 @@ bool BeginsWithDigit(std::string_view str);
 // A name for comparison: digits and kanji numerals as one number, ヶケガが as ケ, ノの之 as の, without 大字 and 字.
 std::string FoldTownName(std::string_view str);
 
+// The text without its blanks, ASCII and ideographic.
+std::string WithoutBlanks(std::string_view str);
+
 // At most nLimit bytes of the text: cut at its last blank (ASCII or ideographic) within the limit, else at a
 // character.
 std::string CutName(std::string_view str, size_t nLimit);

@@ -1,7 +1,7 @@
 // AddrCommand.cpp - `qeadrs addr`: from an address, and an organisation at it, to its postal code.
 //
-// The API gives the codes (PstAdrGetZip), and no more than them. The class reads the same text once more and gives the
-// levels, what it left unread, and the organisation behind the code.
+// The API gives the codes (PstAdrGetZip), and no more than them. The class reads the same text once more and gives
+// the levels, what it left unread, and the organisation behind the code.
 #include "cli/AddrCommand.h"
 
 #include "api/Pstexec.h"

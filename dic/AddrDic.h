@@ -164,9 +164,9 @@ class QEADRS_API CAddrDic {
     int GetPostCodeFromAddr(char const* pszAddress, char const* pszOrgName, tagADDR& addr);
 
     // Strips pszName of blanks (EraseBlank) and of one legal form ("株式会社", "（有）", ...), in place although it is
-    // declared constant: the first form of the library's list that stands in front or behind. Returns the first position in the organisation index
-    // whose name begins with the rest, -1 when there is none. A name of which nothing remains begins every name; null
-    // and "" give -1. REQUIRES: writable memory.
+    // declared constant: the first form of the library's list that stands in front or behind. Returns the first
+    // position in the organisation index whose name begins with the rest, -1 when there is none. A name of which
+    // nothing remains begins every name; null and "" give -1. REQUIRES: writable memory.
     int SearchInc(char const* pszName);
 
     // Removes ASCII blanks and commas, and of every character that begins with the two bytes of the ideographic space
@@ -194,8 +194,8 @@ class QEADRS_API CAddrDic {
 
     // Appends all current entries below the node, depth first, each a copy of addr with the texts of its levels. A
     // text of a level stays in the records of later siblings of other levels. In a damaged dictionary a child that is
-    // its own ancestor is passed over, the walk ends with as many children as the dictionary has nodes, and it goes no
-    // deeper than 256 nodes, more than there are levels.
+    // its own ancestor is passed over, the walk ends with as many children as the dictionary has nodes, and it goes
+    // no deeper than 256 nodes, more than there are levels.
     void recTraceNode(tagADDRNODE const* pNode, tagADDR addr, std::vector<tagADDR>& vAddr);
 
   private:

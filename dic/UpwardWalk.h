@@ -2,7 +2,7 @@
 //
 //   for (CUpwardWalk walk(dic, nNode); walk.Node() != nullptr; walk.Next()) ...
 //
-// A chain that meets more nodes than the image has goes in a circle (only a damaged dictionary's does) and ends there.
+// A chain that meets more nodes than the image has goes in a circle (only a damaged dictionary's does), and ends.
 #ifndef QEADRS_DIC_UPWARDWALK_H
 #define QEADRS_DIC_UPWARDWALK_H
 

@@ -87,6 +87,15 @@ TEST(FoldTownName, IllFormedTextIsPassedThrough) {
 
 // --- CutName ---
 
+TEST(WithoutBlanks, BlanksOfBothWidthsAreDroppedAndNothingElse) {
+    EXPECT_EQ(qe::WithoutBlanks(""), "");
+    EXPECT_EQ(qe::WithoutBlanks("　 　"), "");
+    EXPECT_EQ(qe::WithoutBlanks(" 株式会社　見本 商事　"), "株式会社見本商事");
+    EXPECT_EQ(qe::WithoutBlanks("佐々木、「甲」\t"), "佐々木、「甲」\t")
+        << "neighbours of the ideographic space stay";
+    EXPECT_EQ(qe::WithoutBlanks("\xE3\x80"), "\xE3\x80") << "a space cut off is none";
+}
+
 TEST(CutName, ANameWithinTheLimitStaysWhole) {
     EXPECT_EQ(qe::CutName("abc", 3), "abc");
     EXPECT_EQ(qe::CutName("", 3), "");
