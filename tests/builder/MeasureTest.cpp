@@ -390,6 +390,21 @@ TEST(MeasureCities, ACityWhosePartsAreOtherEntriesIsMissed) {
     EXPECT_EQ(vFigure.back().vMiss[0].strFound, "1 instead of 1");
 }
 
+TEST(MeasureCities, ACityThatLosesItsLastTownIsMissed) {
+    CWorld world(
+        {CTown{"東京都", "千代田区", "千代田", "", "1000001"}, CTown{"東京都", "千代田区", "大手町", "", "1000004"}});
+    std::vector<unsigned char> vByte = world.Bytes();
+    // One child less: the entry of the second town is there, but no walk meets it.
+    --vByte[world.Word(HDR_NODE_TABLE) + world.Word(HDR_FIRST_CITY) * sizeof(tagADDRNODE) +
+            offsetof(tagADDRNODE, nChildCount)];
+    qe::RepairChecksum(vByte);
+    CTestFolder const folder;
+    qe::ReplaceFile(folder.Path("t.dic"), vByte);
+    auto const vFigure = Measure(qe::CDictionaryFile(folder.Path("t.dic")), {});
+    ASSERT_EQ(vFigure.back().vMiss.size(), 1u);
+    EXPECT_EQ(vFigure.back().vMiss[0].strFound, "1 instead of 2");
+}
+
 TEST(Measure, EmptyTablesAskForNothingButTheCities) {
     CMeasured const measured(CWorld(TOWNS), {});
     EXPECT_EQ(measured("town_levels"), "0/0");
