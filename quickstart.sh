@@ -39,12 +39,14 @@ compile_tables() {
     offices=$(first_of "$tables/jigyosyo.zip" "$tables/JIGYOSYO.CSV") || offices=
     set -- --towns "$towns"
     [ -z "$offices" ] || set -- "$@" --offices "$offices"
+    LACKS="addresses that have changed (no earlier edition, ken_all-YYYY-MM.zip, beside the town table)"
     for file in "$tables"/history/ken_all-*.zip "$tables"/ken_all-*.zip; do
-        [ ! -f "$file" ] || set -- "$@" --previous "$file"
+        [ -f "$file" ] || continue
+        set -- "$@" --previous "$file"
+        LACKS="nothing"
     done
-    "$BIN/qeadrs-dic" build -q "$@" -o "$DICTIONARY" || return 1
-    LACKS="nothing"
     [ -n "$offices" ] || LACKS="organisations (no jigyosyo.zip beside the town table)"
+    "$BIN/qeadrs-dic" build -q "$@" -o "$DICTIONARY" || return 1
 }
 
 from_named_folder() {
