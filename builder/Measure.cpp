@@ -205,7 +205,8 @@ class CMeasurement {
             for (auto const& [nFigure, strAddress] : {std::pair(nShown, strShown), std::pair(nSpelled, strSpelled)}) {
                 tagADDR addr(0);
                 bool const bRight = AskOffice(strAddress, strName, addr) == row.strCode;
-                Count(nFigure, bRight, row.strCode + " " + strAddress + " " + strName,
+                Count(nFigure, bRight,
+                      std::string(row.strCode).append(" ").append(strAddress).append(" ").append(strName),
                       bRight ? "" : CauseOfMiss(office, addr, strName), Found(addr));
             }
         }

@@ -41,7 +41,7 @@ class CAddrCommand : public CCommand {
 
     // The library removes other blanks itself, but leaves a byte of each wide one.
     static std::string ReadOffice(std::string const& strText) {
-        std::string const strOffice = DropWideBlanks(Trim(strText));
+        std::string strOffice = DropWideBlanks(Trim(strText));
         if (strOffice.size() <= OFFICE_LENGTH) return strOffice;
         throw CFailure(EXIT_USAGE, Quote(strOffice) + " has " + Grouped(strOffice.size()) +
                                        " bytes; the name of an organisation may have " + Grouped(OFFICE_LENGTH) +

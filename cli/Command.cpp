@@ -22,6 +22,7 @@ CCommand::CCommand(CCommonOptions const& common, std::vector<std::string> vColum
 
 EExit CCommand::Run(std::vector<std::string> const& vText) {
     std::vector<std::string> vQuery;
+    vQuery.reserve(vText.size());
     for (std::string const& strText : vText) vQuery.push_back(ReadQuery(strText));
     m_dictionary.emplace(m_strDic);
     Prepare();
@@ -69,7 +70,7 @@ void CCommand::ReportNotFound(std::string_view strQuery, std::string const& strR
 }
 
 std::string ReadAddressText(std::string const& strText) {
-    std::string const strAddress(Trim(strText));
+    std::string strAddress(Trim(strText));
     if (strAddress.empty()) throw CFailure(EXIT_USAGE, Quote(strText) + " is no address: it has no characters.");
     if (strAddress.find('\0') != std::string::npos)
         throw CFailure(EXIT_USAGE, Quote(strText) + " is no address: it has a NUL in it.");
@@ -77,7 +78,7 @@ std::string ReadAddressText(std::string const& strText) {
 }
 
 std::string ReadAddressField(std::string const& strText) {
-    std::string const strAddress = ReadAddressText(strText);
+    std::string strAddress = ReadAddressText(strText);
     if (strAddress.size() <= ADDRESS_LENGTH) return strAddress;
     throw CFailure(EXIT_USAGE, Quote(strAddress) + " has " + std::to_string(strAddress.size()) +
                                    " bytes; an address field holds " + std::to_string(ADDRESS_LENGTH) + ".");

@@ -89,7 +89,8 @@ tagADDRINFO const* FindSuccessor(CAddrDic const& dic, CImageText const& text, ta
 // Removes one legal form from the front or, when something is left before it, from the end.
 void RemoveLegalForm(char* pszName) {
     size_t const nLength = std::strlen(pszName);
-    for (char const* pszWord = except_word[0]; *pszWord != '\0'; pszWord += EXCEPT_WORD_SIZE) {
+    for (char const* pszWord : except_word) {
+        if (*pszWord == '\0') return;
         size_t const nWord = std::strlen(pszWord);
         if (std::strncmp(pszName, pszWord, nWord) == 0) {
             std::memmove(pszName, pszName + nWord, nLength - nWord + 1);
@@ -431,6 +432,7 @@ int CAddrDic::GetAfterCityName(tagADDRNODE const* pNode, char* pszBuffer) {
 
 // --- partial addresses ---------------------------------------------------------------------------------------------
 
+// By value, as its callers know it. NOLINTNEXTLINE(performance-unnecessary-value-param)
 void CAddrDic::recTraceNode(tagADDRNODE const* pNode, tagADDR addr, std::vector<tagADDR>& vAddr) {
     if (pNode == nullptr || pImage == nullptr) return;
     CImageText const text(*this);
