@@ -257,8 +257,8 @@ int GetAdrFromZip(char const* pszCode, HGLOBAL* phResult) try {
 short PstAdrCity(void* pRecord, HGLOBAL* phResult) try {
     if (pRecord == nullptr || phResult == nullptr) return 1;
     auto const* const p = static_cast<unsigned char const*>(pRecord);
-    auto const szOldCode = TextField<6>(p + 2);
-    auto const szCode = TextField<8>(p + 8);
+    auto const szOldCode = TextField<OLD_CODE_SIZE>(p + RECORD_OLD_CODE);
+    auto const szCode = TextField<8>(p + RECORD_CODE); // its record ends here: seven digits and the NUL
     TakeSortType(p);
     std::vector<tagADDR> vAddr;
     if (szCode[0] != '\0')

@@ -2,22 +2,16 @@
 #include "bench/Addresses.h"
 
 #include "bench/World.h"
+#include "builder/Text.h"
 
 #include <algorithm>
 #include <random>
 #include <stdexcept>
-#include <string_view>
 
 namespace {
 
 constexpr size_t ADDRESSES = 20000; // of each kind: more than the caches hold, few enough to be asked often
 constexpr char HOUSE_NUMBER[] = "１－２－３";
-
-std::string WithoutBlanks(std::string str) {
-    for (std::string_view const strBlank : {"　", " "})
-        for (size_t nPos; (nPos = str.find(strBlank)) != std::string::npos;) str.erase(nPos, strBlank.size());
-    return str;
-}
 
 template <typename T>
 void ShuffleAndCut(std::vector<T>& vText) {
@@ -47,7 +41,7 @@ CAddressTexts MakeAddressTexts(CAddrDic& dic) {
             texts.vGone.push_back(strWhole + HOUSE_NUMBER);
         } else if (addr.pszOffice != nullptr) {
             texts.vOffice.push_back(
-                {strWhole + (addr.pszArea == nullptr ? "" : addr.pszArea), WithoutBlanks(addr.pszOffice)});
+                {strWhole + (addr.pszArea == nullptr ? "" : addr.pszArea), qe::WithoutBlanks(addr.pszOffice)});
         } else {
             texts.vWhole.push_back(strWhole + HOUSE_NUMBER);
             texts.vBare.push_back(strBare + HOUSE_NUMBER);

@@ -69,9 +69,9 @@ CSuccession Closest(CEditionTown const& town, std::vector<CEditionTown const*> c
     CSuccession best;
     std::pair<size_t, bool> bestRank;
     for (CEditionTown const* pCandidate : vCandidate) {
-        std::pair<size_t, bool> const rank = {Distance(town.key.strTown, pCandidate->key.strTown),
-                                              CityKey(town.key) < CityKey(pCandidate->key) ||
-                                                  CityKey(pCandidate->key) < CityKey(town.key)};
+        bool const bElsewhere =
+            town.key.strPref != pCandidate->key.strPref || town.key.strCity != pCandidate->key.strCity;
+        std::pair<size_t, bool> const rank = {Distance(town.key.strTown, pCandidate->key.strTown), bElsewhere};
         if (best.pTown != nullptr && !(rank < bestRank)) continue;
         best.pTown = pCandidate;
         bestRank = rank;

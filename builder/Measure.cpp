@@ -154,9 +154,10 @@ class CMeasurement {
         CTownFacts const& town = m_mapTown.at(question.town);
         std::string const strCode = Text(addr.pszPostCode);
         bool const bListed = town.codes.count(strCode) != 0;
-        bool const bCitysForNone =
-            !town.bDefault && m_mapTown[{question.town.strPref, question.town.strCity, ""}].codes.count(strCode) != 0;
-        Count(nFigure, bListed || (bCitysForNone && town.codes.size() > 1), strText, "another code", Found(addr));
+        auto const pCity = m_mapTown.find({question.town.strPref, question.town.strCity, ""});
+        bool const bCitys = pCity != m_mapTown.end() && pCity->second.codes.count(strCode) != 0;
+        bool const bCitysWillDo = !town.bDefault && town.codes.size() > 1;
+        Count(nFigure, bListed || (bCitys && bCitysWillDo), strText, "another code", Found(addr));
     }
 
     // --- organisations ---
@@ -241,16 +242,22 @@ class CMeasurement {
 
     // The nodes from the city down to a node; in the order of these paths a walk down the tree meets them.
     using CPath = std::vector<unsigned long>;
+    static constexpr size_t LONGEST_PATH = 32; // only a damaged file has longer ones: eight levels need seven steps
 
     // Every current entry below each city by the paths of its nodes; towns that refer to an area's entry besides.
     std::map<CPath, tagADDRINFO const*> CurrentPlaces() const {
         std::map<CPath, tagADDRINFO const*> mapPlace;
         auto const Add = [&](unsigned long nNode, tagADDRINFO const* pInfo) {
             CPath path;
-            for (tagADDRNODE const* p = m_dic.GetAddrNode(nNode); p != nullptr; p = m_dic.GetAddrNode(nNode)) {
+            while (path.size() < LONGEST_PATH) {
+                tagADDRNODE const* const pNode = m_dic.GetAddrNode(nNode);
+                if (pNode == nullptr) return;
                 path.insert(path.begin(), nNode);
-                if (p->nLevel == LEVEL_CITY) mapPlace.emplace(path, pInfo);
-                nNode = p->nParent;
+                if (pNode->nLevel == LEVEL_CITY) {
+                    mapPlace.emplace(path, pInfo);
+                    return;
+                }
+                nNode = pNode->nParent;
             }
         };
         for (unsigned long n = 0; tagADDRINFO const* pInfo = m_dic.GetAddrInfo(n); ++n)
@@ -285,9 +292,9 @@ class CMeasurement {
         std::map<unsigned long, std::vector<std::pair<unsigned long, tagADDRINFO const*>>> mapCity;
         for (auto const& [path, pInfo] : CurrentPlaces()) mapCity[path.front()].emplace_back(path.back(), pInfo);
         for (auto const& [nCity, vPlace] : mapCity) {
-            tagADDRNODE const* const pCity = m_dic.GetAddrNode(nCity);
-            std::string const strText =
-                Text(m_dic.GetString(m_dic.GetAddrNode(pCity->nParent)->nName)) + Text(m_dic.GetString(pCity->nName));
+            tagADDR place(0);
+            m_dic.GetAddr(vPlace.front().second, &place);
+            std::string const strText = Text(place.pszPref) + Text(place.pszCity);
             std::vector<tagADDR> vAddr;
             m_dic.GetAddrFromAddrPart(strText.c_str(), vAddr);
             bool bRight = vAddr.size() == vPlace.size();

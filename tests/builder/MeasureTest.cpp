@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -403,6 +404,41 @@ TEST(MeasureCities, ACityThatLosesItsLastTownIsMissed) {
     auto const vFigure = Measure(qe::CDictionaryFile(folder.Path("t.dic")), {});
     ASSERT_EQ(vFigure.back().vMiss.size(), 1u);
     EXPECT_EQ(vFigure.back().vMiss[0].strFound, "1 instead of 2");
+}
+
+// The figure city_parts of a dictionary after a change of its first city's or first town's node.
+qe::CFigure CityPartsOfDamaged(CWorld const& world, tagHEADERWORD nFirst, uint32_t nParent) {
+    std::vector<unsigned char> vByte = world.Bytes();
+    std::memcpy(&vByte[world.Word(HDR_NODE_TABLE) + world.Word(nFirst) * sizeof(tagADDRNODE) +
+                       offsetof(tagADDRNODE, nParent)],
+                &nParent, sizeof nParent);
+    qe::RepairChecksum(vByte);
+    CTestFolder const folder;
+    qe::ReplaceFile(folder.Path("t.dic"), vByte);
+    return Measure(qe::CDictionaryFile(folder.Path("t.dic")), {}).back();
+}
+
+TEST(MeasureDamaged, ATownThatIsItsOwnParentComesToAnEnd) {
+    CWorld const world({Town("千代田", "", "1000001")});
+    EXPECT_EQ(CityPartsOfDamaged(world, HDR_FIRST_TOWN, world.Word(HDR_FIRST_TOWN)).nAsked, 0u)
+        << "no city is above the entry";
+}
+
+TEST(MeasureDamaged, ACityWithoutAPrefectureIsAskedForByItsOwnName) {
+    CWorld const world({Town("千代田", "", "1000001")});
+    qe::CFigure const figure = CityPartsOfDamaged(world, HDR_FIRST_CITY, ADDR_NONE);
+    EXPECT_EQ(figure.nAsked, 1u);
+    EXPECT_EQ(figure.Right(), 1u);
+}
+
+TEST(MeasureGoneTowns, ACityDefaultThatTodaysTableLacksIsNoAddressOfToday) {
+    std::vector<CTown> const vParts = {Town("大手町（１丁目）", "", "1000004"),
+                                       Town("大手町（２丁目）", "", "1000005")};
+    std::vector<CTown> vTown = vParts;
+    vTown.push_back(Town("以下に掲載がない場合", "", "1000000"));
+    CWorld::Editions const vPrevious = {{Town("永楽町", "", "1000000")}};
+    EXPECT_EQ(CMeasured(CWorld(vTown, {}, vPrevious), vTown, {}, vPrevious)("gone_towns_old1"), "1/1");
+    EXPECT_EQ(CMeasured(CWorld(vTown, {}, vPrevious), vParts, {}, vPrevious)("gone_towns_old1"), "0/1");
 }
 
 TEST(Measure, EmptyTablesAskForNothingButTheCities) {
