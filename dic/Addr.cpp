@@ -5,20 +5,15 @@
 #include "dic/AddrKey.h"
 #include "dic/Suffix.h"
 
-#include <cstdint>
+#include <algorithm>
 
 char const suffix_table[SUFFIX_COUNT][4] = {"市", "区", "町", "郡", "島", "村", "庁"};
 
-namespace {
-
-// The prefecture's two-digit code, null when the table does not know the name.
-char const* FindPrefCode(char const* pszPref) {
-    for (auto const& row : pref_order)
-        if (std::strcmp(row + PREF_ORDER_NAME, pszPref) == 0) return row;
-    return nullptr;
+int FindPrefNumber(char const* pszPref) {
+    for (int nRow = 0; nRow < PREF_ORDER_ROWS; ++nRow)
+        if (std::strcmp(pref_order[nRow] + PREF_ORDER_NAME, pszPref) == 0) return nRow;
+    return -1;
 }
-
-} // namespace
 
 // The unit right before the suffix is never a marker, and neither is one at the very start of the name.
 size_t FindMarkerBackwards(char const* pszName, size_t nLength, std::initializer_list<tagSUFFIX> vMarker,
@@ -61,7 +56,8 @@ std::string MakeSortKey(tagADDR const& addr) {
     auto const Append = [&strKey](char const* psz) {
         if (psz != nullptr) strKey += psz;
     };
-    if (addr.pszPref != nullptr) Append(FindPrefCode(addr.pszPref));
+    int const nPref = addr.pszPref == nullptr ? -1 : FindPrefNumber(addr.pszPref);
+    if (nPref >= 0) Append(pref_order[nPref]);
     Append(addr.pszPref);
     if (addr.nCityOrder != 0) strKey += CityClassLetter(addr.pszCity);
     Append(addr.pszCity);
@@ -74,4 +70,23 @@ std::string MakeSortKey(tagADDR const& addr) {
 // std::string compares as unsigned bytes and, without NUL inside, exactly like strcmp.
 bool tagADDR::operator<(tagADDR const& other) const {
     return MakeSortKey(*this) < MakeSortKey(other);
+}
+
+void SortAddrs(std::vector<tagADDR>& vAddr) {
+    struct CKeyed {
+        std::string strKey;
+        size_t nPlace;
+        bool operator<(CKeyed const& other) const {
+            int const nOrder = strKey.compare(other.strKey);
+            return nOrder != 0 ? nOrder < 0 : nPlace < other.nPlace;
+        }
+    };
+    std::vector<CKeyed> vKeyed;
+    vKeyed.reserve(vAddr.size());
+    for (tagADDR const& addr : vAddr) vKeyed.push_back({MakeSortKey(addr), vKeyed.size()});
+    std::sort(vKeyed.begin(), vKeyed.end());
+    std::vector<tagADDR> vSorted;
+    vSorted.reserve(vAddr.size());
+    for (CKeyed const& keyed : vKeyed) vSorted.push_back(vAddr[keyed.nPlace]);
+    vAddr.swap(vSorted);
 }

@@ -4,10 +4,12 @@
 #include "dic/ImageHeader.h"
 #include "dic/ImageText.h"
 #include "dic/LevelText.h"
+#include "dic/NameIndex.h"
+#include "dic/NodeEntry.h"
+#include "dic/NodeRange.h"
+#include "dic/SubtreeWalk.h"
 #include "dic/Suffix.h"
 #include "dic/UpwardWalk.h"
-
-#include <algorithm>
 
 namespace {
 
@@ -19,22 +21,6 @@ char const except_word[][EXCEPT_WORD_SIZE] = {
     "（社）",       "学校法人", "特定医療法人財団", "医療法人財団", "医療法人社団", "医療法人", "社会福祉法人",
     "独立行政法人", "",
 };
-
-// A run of nodes, cut off at the end of the node table: what lies behind cannot be read anyway.
-struct CNodeRange {
-    uint32_t nFirst;
-    uint32_t nEnd;
-};
-
-CNodeRange MakeRange(CAddrDic const& dic, uint32_t nFirst, uint32_t nCount) {
-    uint32_t const nNodes = HeaderWord(dic.GetDicPointer(), HDR_NODE_COUNT);
-    nFirst = std::min(nFirst, nNodes);
-    return {nFirst, nFirst + std::min(nCount, nNodes - nFirst)};
-}
-
-CNodeRange ChildrenOf(CAddrDic const& dic, tagADDRNODE const& node) {
-    return MakeRange(dic, node.nFirstChild, node.nChildCount);
-}
 
 // The children of the node with this index, or all nodes of a level when there is no such node.
 CNodeRange ChildrenOrLevel(CAddrDic const& dic, unsigned long nParent, tagHEADERWORD nFirst, tagHEADERWORD nCount) {
@@ -62,17 +48,6 @@ size_t MatchCity(char const* pszText, char const* pszName) {
     if (nPart == 0) return 0;
     bool const bFits = std::strncmp(pszText, pszName, nPart) == 0 || MatchName(pszText, pszName + nPart) >= 0;
     return bFits ? nPart : 0; // that of the front part, whichever of the two the text holds
-}
-
-void StoreCodes(CAddrDic const& dic, CImageText const& text, tagADDRNODE const& node, tagADDR& addr) {
-    tagADDRINFO const* const pInfo = dic.GetAddrInfo(node.nInfo);
-    if (pInfo == nullptr) return;
-    addr.pszPostCode = text.At(pInfo->nCode);
-    addr.pszCodeExt = text.Behind(pInfo->nCode, 1); // the old code, other than GetAddr
-}
-
-bool IsSuperseded(tagADDRINFO const& info) {
-    return (info.nNode & ADDRINFO_SUPERSEDED) != 0;
 }
 
 // The entry that takes the place of a superseded one; null when the dictionary is damaged.
@@ -103,63 +78,6 @@ void RemoveLegalForm(char* pszName) {
     }
 }
 
-// A table of node indices sorted by the nodes' names, and the search for the first name that begins with a text.
-class CNameIndex {
-  public:
-    CNameIndex(CAddrDic const& owner, CImageText const& text, uint32_t const* pIndex, tagHEADERWORD nCount)
-        : m_owner(owner),
-          m_text(text),
-          m_pIndex(pIndex),
-          m_nCount(owner.GetDicPointer() == nullptr ? 0 : HeaderWord(owner.GetDicPointer(), nCount)) {}
-
-    // Null behind the end of the index and for a node that is not there.
-    tagADDRNODE const* Node(uint32_t nPos) const {
-        return nPos < m_nCount ? m_owner.GetAddrNode(m_pIndex[nPos]) : nullptr;
-    }
-
-    // Order of the name at nPos against the text, as far as the text goes. REQUIRES: there is a node.
-    int Compare(uint32_t nPos, char const* pszText, size_t nLength) const {
-        return m_text.ComparePrefix(m_owner.GetString(Node(nPos)->nName), pszText, nLength);
-    }
-
-    bool Begins(uint32_t nPos, char const* pszText, size_t nLength) const {
-        return Node(nPos) != nullptr && Compare(nPos, pszText, nLength) == 0;
-    }
-
-    // What a probe without a readable name means to a search.
-    enum EUnreadable { NotFound, Hit };
-
-    // Lowest position around a hit; -1 when there is none. The probes are part of what callers can observe on an
-    // unsorted index; the upper end wraps below position 0, and the probe that follows is behind the end.
-    int Find(char const* pszText, EUnreadable nUnreadable) const {
-        size_t const nLength = std::strlen(pszText);
-        uint32_t nLow = 0;
-        uint32_t nHigh = m_nCount - 1;
-        uint32_t nProbe = nHigh / 2;
-        for (;; nProbe = static_cast<uint32_t>((uint64_t{nLow} + nHigh) / 2)) {
-            if (nProbe >= m_nCount) return -1;
-            tagADDRNODE const* const pNode = Node(nProbe);
-            bool const bReadable = pNode != nullptr && (nUnreadable == Hit || m_owner.GetString(pNode->nName));
-            if (!bReadable && nUnreadable == NotFound) return -1;
-            int const nOrder = bReadable ? Compare(nProbe, pszText, nLength) : 0;
-            if (nOrder == 0) break;
-            if (nOrder > 0)
-                nHigh = nProbe - 1;
-            else
-                nLow = nProbe + 1;
-            if (nLow > nHigh) return -1;
-        }
-        while (nProbe > 0 && Begins(nProbe - 1, pszText, nLength)) --nProbe;
-        return static_cast<int>(nProbe);
-    }
-
-  private:
-    CAddrDic const& m_owner;
-    CImageText const& m_text;
-    uint32_t const* m_pIndex;
-    uint32_t m_nCount;
-};
-
 // Whether two texts are the same text of the image, not merely equal; no text is the same as none.
 bool AreSame(char const* psz, char const* pszOther) {
     return psz != nullptr && psz == pszOther;
@@ -174,56 +92,17 @@ bool StandsInTown(CAddrDic const& dic, CImageText const& text, tagADDRNODE const
            AreSame(place.pszTown, addr.pszTown);
 }
 
-// The current entries below nodes. One walk looks at no more children than the dictionary has nodes: each node of a
-// sound one is the child of one other.
-class CSubtreeWalk {
-  public:
-    CSubtreeWalk(CAddrDic const& owner, CImageText const& text, std::vector<tagADDR>& vAddr)
-        : m_owner(owner),
-          m_text(text),
-          m_vAddr(vAddr),
-          m_nLeft(owner.GetDicPointer() == nullptr ? 0 : HeaderWord(owner.GetDicPointer(), HDR_NODE_COUNT)) {}
-
-    void Collect(tagADDRNODE const* pNode, tagADDR const& addr) { Collect(pNode, addr, nullptr, 0); }
-
-  private:
-    // Levels are numbered by one byte: a longer path repeats some.
-    static constexpr unsigned MAX_DEPTH = 256;
-
-    struct CPath {
-        tagADDRNODE const* pNode;
-        CPath const* pAbove;
-    };
-
-    static bool LiesOn(CPath const* pPath, tagADDRNODE const* pNode) {
-        while (pPath != nullptr && pPath->pNode != pNode) pPath = pPath->pAbove;
-        return pPath != nullptr;
-    }
-
-    // The record is not reset between siblings: what one of them writes stays in those that follow.
-    void Collect(tagADDRNODE const* pNode, tagADDR addr, CPath const* pAbove, unsigned nDepth) {
-        if (pNode->nFirstChild == ADDR_NONE || pNode->nChildCount == 0 || nDepth == MAX_DEPTH) return;
-        CPath const path = {pNode, pAbove};
-        CNodeRange const children = ChildrenOf(m_owner, *pNode);
-        for (uint32_t n = children.nFirst; n < children.nEnd && m_nLeft > 0; ++n) {
-            --m_nLeft; // before the child is walked: its own walk may use up the rest
-            tagADDRNODE const* const pChild = m_owner.GetAddrNode(n);
-            if (pChild->nChildCount != 0 && LiesOn(&path, pChild)) continue;
-            StoreLevel(m_text, *pChild, addr);
-            tagADDRINFO const* const pInfo = m_owner.GetAddrInfo(pChild->nInfo);
-            if (pInfo != nullptr && !IsSuperseded(*pInfo)) {
-                StoreCodes(m_owner, m_text, *pChild, addr);
-                m_vAddr.push_back(addr);
-            }
-            if (pChild->nChildCount != 0) Collect(pChild, addr, &path, nDepth + 1);
-        }
-    }
-
-    CAddrDic const& m_owner;
-    CImageText const& m_text;
-    std::vector<tagADDR>& m_vAddr;
-    uint32_t m_nLeft;
-};
+// The current entries below a node, each a copy of the record with the texts of its levels. The record is not reset
+// between siblings: what one of them writes stays in those that follow.
+void CollectEntries(CAddrDic const& dic, CImageText const& text, CSubtreeWalk& walk, tagADDRNODE const& node,
+                    tagADDR const& addr, std::vector<tagADDR>& vAddr) {
+    walk.Below(node, addr, [&](tagADDRNODE const& child, tagADDR& current) {
+        StoreLevel(text, child, current);
+        if (!HasCurrentEntry(dic, child)) return;
+        StoreCodes(dic, text, child, current);
+        vAddr.push_back(current);
+    });
+}
 
 } // namespace
 
@@ -262,7 +141,7 @@ unsigned short GetShikugunType(char const* pszName, unsigned short* pnType) {
 int CAddrDic::SeparatePref(char const** ppszText, tagADDR& addr) {
     if (ppszText == nullptr || *ppszText == nullptr || pImage == nullptr) return -1;
     CImageText const text(*this);
-    CNodeRange const range = MakeRange(*this, HeaderWord(pImage, HDR_FIRST_PREF), HeaderWord(pImage, HDR_PREF_COUNT));
+    CNodeRange const range = PrefNodes(*this);
     for (uint32_t n = range.nFirst; n < range.nEnd; ++n) {
         tagADDRNODE const* const pNode = GetAddrNode(n);
         char const* const pszName = text.At(pNode->nName);
@@ -384,7 +263,7 @@ int CAddrDic::SearchInc(char const* pszName) {
     EraseBlank(pszBuffer);
     RemoveLegalForm(pszBuffer);
     CImageText const text(*this);
-    return CNameIndex(*this, text, pOfficeIndex, HDR_OFFICE_COUNT).Find(pszName, CNameIndex::NotFound);
+    return CNameIndex(*this, text, pOfficeIndex, HDR_OFFICE_COUNT).FindFirst(pszName, CNameIndex::NotFound);
 }
 
 int CAddrDic::GetPostCodeFromAddr(char const* pszAddress, char const* pszOrgName, tagADDR& addr) {
@@ -436,13 +315,14 @@ int CAddrDic::GetAfterCityName(tagADDRNODE const* pNode, char* pszBuffer) {
 void CAddrDic::recTraceNode(tagADDRNODE const* pNode, tagADDR addr, std::vector<tagADDR>& vAddr) {
     if (pNode == nullptr || pImage == nullptr) return;
     CImageText const text(*this);
-    CSubtreeWalk(*this, text, vAddr).Collect(pNode, addr);
+    CSubtreeWalk walk(*this);
+    CollectEntries(*this, text, walk, *pNode, addr, vAddr);
 }
 
 int CAddrDic::SearchCity(char const* pszText) {
     if (pszText == nullptr) return -1;
     CImageText const text(*this);
-    return CNameIndex(*this, text, pCityIndex, HDR_CITY_COUNT).Find(pszText, CNameIndex::Hit);
+    return CNameIndex(*this, text, pCityIndex, HDR_CITY_COUNT).FindFirst(pszText, CNameIndex::Hit);
 }
 
 void CAddrDic::GetCityFromPart(char const* pszText, std::vector<tagADDR>& vAddr) {
@@ -450,7 +330,7 @@ void CAddrDic::GetCityFromPart(char const* pszText, std::vector<tagADDR>& vAddr)
     if (nStart < 0) return;
     CImageText const text(*this);
     CNameIndex const index(*this, text, pCityIndex, HDR_CITY_COUNT);
-    CSubtreeWalk walk(*this, text, vAddr);
+    CSubtreeWalk walk(*this);
     size_t const nLength = std::strlen(pszText);
     for (uint32_t nPos = static_cast<uint32_t>(nStart); index.Begins(nPos, pszText, nLength); ++nPos) {
         tagADDRNODE const* const pCity = index.Node(nPos);
@@ -458,22 +338,22 @@ void CAddrDic::GetCityFromPart(char const* pszText, std::vector<tagADDR>& vAddr)
         StoreLevel(text, LEVEL_CITY, *pCity, addr);
         tagADDRNODE const* const pPref = GetAddrNode(pCity->nParent);
         if (pPref != nullptr) StoreLevel(text, LEVEL_PREF, *pPref, addr);
-        walk.Collect(pCity, addr);
+        CollectEntries(*this, text, walk, *pCity, addr, vAddr);
     }
 }
 
 void CAddrDic::GetPrefFromPart(char const* pszText, std::vector<tagADDR>& vAddr) {
     if (pszText == nullptr || pImage == nullptr) return;
     CImageText const text(*this);
-    CSubtreeWalk walk(*this, text, vAddr);
+    CSubtreeWalk walk(*this);
     size_t const nLength = std::strlen(pszText);
-    CNodeRange const range = MakeRange(*this, HeaderWord(pImage, HDR_FIRST_PREF), HeaderWord(pImage, HDR_PREF_COUNT));
+    CNodeRange const range = PrefNodes(*this);
     for (uint32_t n = range.nFirst; n < range.nEnd; ++n) {
         tagADDRNODE const* const pPref = GetAddrNode(n);
         if (text.ComparePrefix(GetString(pPref->nName), pszText, nLength) != 0) continue;
         tagADDR addr(0);
         StoreLevel(text, LEVEL_PREF, *pPref, addr);
-        walk.Collect(pPref, addr);
+        CollectEntries(*this, text, walk, *pPref, addr, vAddr);
     }
 }
 

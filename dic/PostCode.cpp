@@ -1,10 +1,10 @@
 // PostCode.cpp - postal-code lookup: from a code in any spelling to the addresses filed under it.
 #include "dic/AddrDic.h"
+#include "dic/AddrKey.h"
 #include "dic/ImageHeader.h"
 #include "dic/ImageText.h"
 #include "platform/Win32Compat.h"
 
-#include <algorithm>
 #include <string>
 
 namespace {
@@ -95,7 +95,7 @@ int CAddrDic::GetAddrFromPostCode7(char const* pszCode, std::vector<tagADDR>& vA
         if (addr.pszOffice != nullptr) pszLastOffice = addr.pszOffice;
         vAddr.push_back(addr);
     }
-    if (nSortType == SORT_ADDR) std::sort(vAddr.begin(), vAddr.end());
+    if (nSortType == SORT_ADDR) SortAddrs(vAddr);
     for (tagADDR const& addr : vAddr)
         if (addr.pListCity != nullptr) vCityList.push_back(addr.pListCity);
     KeepOfficeText();

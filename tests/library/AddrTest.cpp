@@ -335,6 +335,45 @@ TEST(AddressOrder, AsksEachRecordForItsOwnCityClass) {
     EXPECT_FALSE(plain < classed);
 }
 
+// --- sorted lists ------------------------------------------------------------------------------------------------
+
+// Texts of every kind that the key looks at, each record marked with its place.
+std::vector<tagADDR> ManyRecords() {
+    static char szPlace[200][4];
+    std::vector<tagADDR> vAddr;
+    for (size_t n = 0; n < std::size(szPlace); ++n) {
+        std::snprintf(szPlace[n], sizeof szPlace[n], "%03u", static_cast<unsigned>(n * 77 % 200));
+        tagADDR addr = Addr(n % 7 == 0 ? nullptr : PREFECTURES[n * 31 % 47], n % 5 == 0 ? nullptr : szPlace[n] + 1);
+        addr.pszTown = n % 3 == 0 ? "龠" : "亜";
+        addr.pszNote = szPlace[n]; // no part of the key
+        vAddr.push_back(addr);
+    }
+    return vAddr;
+}
+
+TEST(SortedList, StandsInTheOrderOfTheRecords) {
+    std::vector<tagADDR> vAddr = ManyRecords();
+    std::vector<tagADDR> vExpected = vAddr;
+    std::stable_sort(vExpected.begin(), vExpected.end());
+    SortAddrs(vAddr);
+    ASSERT_EQ(vAddr.size(), vExpected.size());
+    for (size_t n = 0; n < vAddr.size(); ++n) EXPECT_STREQ(vAddr[n].pszNote, vExpected[n].pszNote) << n;
+}
+
+TEST(SortedList, KeepsRecordsOfEqualKeysInTheirOrder) {
+    std::vector<tagADDR> vAddr(100, Addr("東京都", "千代田区", "丸の内")); // more than any sort treats one by one
+    std::vector<tagADDRNODE> vNode(vAddr.size());
+    for (size_t n = 0; n < vAddr.size(); ++n) vAddr[n].pListCity = &vNode[n];
+    SortAddrs(vAddr);
+    for (size_t n = 0; n < vAddr.size(); ++n) EXPECT_EQ(vAddr[n].pListCity, &vNode[n]) << n;
+}
+
+TEST(SortedList, OfNoRecordStaysEmpty) {
+    std::vector<tagADDR> vAddr;
+    SortAddrs(vAddr);
+    EXPECT_TRUE(vAddr.empty());
+}
+
 // --- the order of display entries
 // ---------------------------------------------------------------------------------------
 

@@ -1,0 +1,26 @@
+// NodeEntry.h - a node's postal-code entry (internal).
+#ifndef QEADRS_DIC_NODEENTRY_H
+#define QEADRS_DIC_NODEENTRY_H
+
+#include "dic/AddrDic.h"
+#include "dic/ImageText.h"
+
+inline bool IsSuperseded(tagADDRINFO const& info) {
+    return (info.nNode & ADDRINFO_SUPERSEDED) != 0;
+}
+
+// Whether the node has an entry, and one of today.
+inline bool HasCurrentEntry(CAddrDic const& dic, tagADDRNODE const& node) {
+    tagADDRINFO const* const pInfo = dic.GetAddrInfo(node.nInfo);
+    return pInfo != nullptr && !IsSuperseded(*pInfo);
+}
+
+// Writes the codes of the node's entry into the record; without an entry its fields stay.
+inline void StoreCodes(CAddrDic const& dic, CImageText const& text, tagADDRNODE const& node, tagADDR& addr) {
+    tagADDRINFO const* const pInfo = dic.GetAddrInfo(node.nInfo);
+    if (pInfo == nullptr) return;
+    addr.pszPostCode = text.At(pInfo->nCode);
+    addr.pszCodeExt = text.Behind(pInfo->nCode, 1); // the old code, other than GetAddr
+}
+
+#endif
