@@ -10,7 +10,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
+#include <initializer_list>
 #include <limits>
 #include <new>
 #include <string>
@@ -60,9 +62,10 @@ bool AreEqual(char const* psz, char const* pszOther) {
 // A locked block, written front to back. Without memory for it nothing is written.
 class CBlock {
   public:
-    // Allocates and locks nSize zero bytes; stores the handle in *phResult whether or not it could be locked.
-    CBlock(size_t nSize, HGLOBAL* phResult)
-        : m_hMem(*phResult = GlobalAlloc(GHND, nSize)),
+    // Allocates and locks nSize zero bytes; stores the handle in *phResult whether or not it could be locked. The
+    // texts of a damaged dictionary, which many nodes share, may add up to more than a 32-bit process can count.
+    CBlock(uint64_t nSize, HGLOBAL* phResult)
+        : m_hMem(*phResult = nSize > SIZE_MAX ? nullptr : GlobalAlloc(GHND, static_cast<SIZE_T>(nSize))),
           m_pStart(m_hMem == nullptr ? nullptr : static_cast<unsigned char*>(GlobalLock(m_hMem))),
           m_pNext(m_pStart) {}
     ~CBlock() {
@@ -80,6 +83,18 @@ class CBlock {
         if (nLength != 0) std::memcpy(m_pNext, psz, nLength);
         m_pNext += nLength;
     }
+    // One byte with the length, by design: that of a longer text wraps, the text stays whole.
+    void PutPrefixed(char const* psz) {
+        size_t const nLength = TextLength(psz);
+        PutByte(nLength % 256);
+        PutText(psz, nLength);
+    }
+    // With a NUL behind it.
+    void PutString(char const* psz) {
+        PutText(psz, TextLength(psz));
+        PutByte('\0');
+    }
+    size_t Tell() const { return static_cast<size_t>(m_pNext - m_pStart); }
 
   private:
     template <typename T>
@@ -135,17 +150,25 @@ constexpr CZipText ZIP_POOL[ZIP_TEXTS] = {
 constexpr size_t ZIP_HEADER = 12;
 constexpr size_t ZIP_ENTRY = 4 * ZIP_TEXTS;
 
+size_t PoolOffset(std::vector<tagADDR> const& vAddr) {
+    return ZIP_HEADER + ZIP_ENTRY * vAddr.size();
+}
+
+void PutTableHeader(CBlock& block, std::vector<tagADDR> const& vAddr) {
+    block.PutShort(vAddr.size());
+    block.PutShort(0);
+    block.PutLong(ZIP_HEADER);
+    block.PutLong(PoolOffset(vAddr));
+}
+
 int PackAddresses(std::vector<tagADDR> const& vAddr, HGLOBAL* phResult) {
-    size_t const nPool = ZIP_HEADER + ZIP_ENTRY * vAddr.size();
-    size_t nSize = nPool;
+    size_t const nPool = PoolOffset(vAddr);
+    uint64_t nSize = nPool;
     for (tagADDR const& addr : vAddr)
         for (CZipText const& text : ZIP_POOL) nSize += TextLength(addr.*text.pszText) + 1;
     CBlock block(nSize, phResult);
     if (!block.IsLocked()) return 1;
-    block.PutShort(vAddr.size());
-    block.PutShort(0);
-    block.PutLong(ZIP_HEADER);
-    block.PutLong(nPool);
+    PutTableHeader(block, vAddr);
     size_t nEntry = ZIP_HEADER;
     size_t nText = 0; // offset in the pool
     for (tagADDR const& addr : vAddr) {
@@ -182,7 +205,7 @@ void RemoveRepeatedCities(std::vector<tagADDR>& vAddr) {
 }
 
 short PackCities(std::vector<tagADDR> const& vAddr, HGLOBAL* phResult) {
-    size_t nSize = 2;
+    uint64_t nSize = 2;
     for (tagADDR const& addr : vAddr) nSize += 1 + TextLength(addr.pszPref) + TextLength(addr.pszCity);
     CBlock block(nSize, phResult);
     if (!block.IsLocked()) return 1;
@@ -193,6 +216,86 @@ short PackCities(std::vector<tagADDR> const& vAddr, HGLOBAL* phResult) {
         block.PutByte((nPref + nCity) % 256); // one byte by design: a longer pair wraps, its texts stay whole
         block.PutText(addr.pszPref, nPref);
         block.PutText(addr.pszCity, nCity);
+    }
+    return 0;
+}
+
+// A field of the record that a block holds.
+using PTEXT = char const* tagADDR::*;
+
+uint64_t TotalLength(std::vector<tagADDR> const& vAddr, std::initializer_list<PTEXT> vText) {
+    uint64_t nLength = 0;
+    for (tagADDR const& addr : vAddr)
+        for (PTEXT const pText : vText) nLength += TextLength(addr.*pText);
+    return nLength;
+}
+
+// One name of each address, with its length in front.
+uint32_t PackNames(std::vector<tagADDR> const& vAddr, PTEXT pName, HGLOBAL* phResult) {
+    CBlock block(2 + vAddr.size() + TotalLength(vAddr, {pName}), phResult);
+    if (!block.IsLocked()) return 1;
+    block.PutShort(vAddr.size());
+    for (tagADDR const& addr : vAddr) block.PutPrefixed(addr.*pName);
+    return 0;
+}
+
+// The town and two codes of each address, each with its length in front, and a closing zero.
+uint32_t PackTowns(std::vector<tagADDR> const& vAddr, PTEXT pFirstCode, PTEXT pSecondCode, HGLOBAL* phResult) {
+    std::initializer_list<PTEXT> const vText = {&tagADDR::pszTown, pFirstCode, pSecondCode};
+    CBlock block(2 + 4 * uint64_t{vAddr.size()} + TotalLength(vAddr, vText), phResult);
+    if (!block.IsLocked()) return 1;
+    block.PutShort(vAddr.size());
+    for (tagADDR const& addr : vAddr) {
+        for (PTEXT const pText : vText) block.PutPrefixed(addr.*pText);
+        block.PutByte(0);
+    }
+    return 0;
+}
+
+// Town, building and floor as one line: a level counts only behind the one before it.
+void PutLine(CBlock& block, tagADDR const& addr) {
+    if (addr.pszTown != nullptr) {
+        block.PutText(addr.pszTown, TextLength(addr.pszTown));
+        for (char const* psz : {addr.pszBlock, addr.pszNote}) {
+            if (psz == nullptr) break;
+            block.PutByte(' ');
+            block.PutText(psz, TextLength(psz));
+        }
+    }
+    block.PutByte('\0');
+}
+
+// The bytes of an entry's four NULs, of the two blanks in its line, and one more.
+constexpr size_t LINE_OVERHEAD = 7;
+constexpr size_t SLOT_LINE = 4, SLOT_OFFICE = 6;
+
+// The table of addresses as lines. Its size counts the area too, which is not written: it is known to be larger than
+// its content.
+uint32_t PackLines(std::vector<tagADDR> const& vAddr, HGLOBAL* phResult) {
+    size_t const nPool = PoolOffset(vAddr);
+    CBlock block(
+        nPool + LINE_OVERHEAD * uint64_t{vAddr.size()} +
+            TotalLength(vAddr, {&tagADDR::pszCodeExt, &tagADDR::pszPostCode, &tagADDR::pszTown, &tagADDR::pszArea,
+                                &tagADDR::pszBlock, &tagADDR::pszNote, &tagADDR::pszOffice}),
+        phResult);
+    if (!block.IsLocked()) return 1;
+    PutTableHeader(block, vAddr);
+    size_t nEntry = ZIP_HEADER;
+    size_t nText = nPool;
+    for (tagADDR const& addr : vAddr) {
+        // Puts a text behind the last one, and its place into a slot of the entry.
+        auto const PutAt = [&](size_t nSlot, auto const& Put) {
+            block.Seek(nEntry + 4 * nSlot);
+            block.PutLong(nText - nPool);
+            block.Seek(nText);
+            Put();
+            nText = block.Tell();
+        };
+        PutAt(1, [&] { block.PutString(addr.pszCodeExt); });
+        PutAt(0, [&] { block.PutString(addr.pszPostCode); });
+        PutAt(SLOT_LINE, [&] { PutLine(block, addr); });
+        PutAt(SLOT_OFFICE, [&] { block.PutString(addr.pszOffice); });
+        nEntry += ZIP_ENTRY;
     }
     return 0;
 }
@@ -310,6 +413,59 @@ int GetAdrFromAdd(char const* pszText, HGLOBAL* phResult) try {
     std::vector<tagADDR> vAddr;
     dic.GetAddrFromAddrPart(pszText, vAddr);
     return vAddr.empty() ? 1 : PackAddresses(vAddr, phResult);
+} catch (std::bad_alloc const&) {
+    return 1;
+}
+
+uint32_t PstAdrRPrf(void* pRecord, HGLOBAL* phResult) try {
+    if (pRecord == nullptr || phResult == nullptr) return 1;
+    auto const* const p = static_cast<unsigned char const*>(pRecord);
+    TakeSortType(p);
+    auto const* const pszText = reinterpret_cast<char const*>(p + RECORD_ADDRESS);
+    std::vector<tagADDR> vAddr;
+    if (*pszText != '\0')
+        dic.GetPrefFromCity(pszText, vAddr);
+    else
+        dic.GetPref(vAddr);
+    return vAddr.empty() ? PST_NO_PREFECTURE : PackNames(vAddr, &tagADDR::pszPref, phResult);
+} catch (std::bad_alloc const&) {
+    return 1;
+}
+
+uint32_t PstAdrRCity(unsigned short nPref, HGLOBAL* phResult) try {
+    if (phResult == nullptr) return 1;
+    std::vector<tagADDR> vAddr;
+    dic.GetCityFromNo(nPref, vAddr);
+    return PackNames(vAddr, &tagADDR::pszCity, phResult);
+} catch (std::bad_alloc const&) {
+    return 1;
+}
+
+uint32_t PstAdrTown(unsigned short nCity, HGLOBAL* phResult) try {
+    if (phResult == nullptr) return 1;
+    std::vector<tagADDR> vAddr;
+    dic.GetTownFromNo(nCity, vAddr);
+    return PackTowns(vAddr, &tagADDR::pszCodeExt, &tagADDR::pszPostCode, phResult);
+} catch (std::bad_alloc const&) {
+    return 1;
+}
+
+uint32_t PstAdrRTown(unsigned short nCity, HGLOBAL* phResult) try {
+    if (phResult == nullptr) return 1;
+    std::vector<tagADDR> vAddr;
+    dic.GetTownFromNo(nCity, vAddr);
+    uint32_t const nStatus = PackTowns(vAddr, &tagADDR::pszPostCode, &tagADDR::pszCodeExt, phResult);
+    if (nStatus != 0) GlobalFree(*phResult); // unlike the others: its callers do not free a block they never saw
+    return nStatus;
+} catch (std::bad_alloc const&) {
+    return 1;
+}
+
+uint32_t PstAdrRTownForUI(unsigned short nCity, HGLOBAL* phResult) try {
+    if (phResult == nullptr) return 1;
+    std::vector<tagADDR> vAddr;
+    dic.GetTownExFromNo(nCity, vAddr);
+    return PackLines(vAddr, phResult);
 } catch (std::bad_alloc const&) {
     return 1;
 }

@@ -24,6 +24,8 @@
 
 #include "platform/Win32Compat.h"
 
+#include <stdint.h>
+
 #if !defined(QEADRS_API)
 #    define QEADRS_API __attribute__((visibility("default")))
 #    define QEADRS_LOCAL __attribute__((visibility("hidden")))
@@ -104,6 +106,68 @@ QEADRS_API short PstAdrGetLatestAdr(void* pRecord);
 // is one). The block is that of GetAdrFromZip, with the old postal code at +4; its count has 16 bits, while "" finds
 // more addresses than that: the pool's offset tells their true number, (offset - 12) / 28.
 QEADRS_API int GetAdrFromAdd(char const* pszText, HGLOBAL* phResult);
+
+// --- browsing --------------------------------------------------------------------------------------------------
+//
+//   PstAdrRPrf(&record, &h);        // prefectures: all, or those that a text can lie in
+//   PstAdrRCity(12, &h);            // cities of the prefecture at position 12 of that answer
+//   PstAdrRTown(0, &h);             // towns of the city at position 0 of that one; or PstAdrTown, PstAdrRTownForUI
+//
+// A number is a position in the answer before, counted from 0. Each level is asked for once: a second PstAdrRCity
+// answers with the first city of the first answer only, a second PstAdrRTown with the first town; PstAdrRPrf begins
+// again. A city or town that the text of PstAdrRPrf names is the only one of its level. The lookups by postal code
+// rewrite the list of cities. Superseded cities and towns are listed like those of today.
+//
+// Each returns 0 with a block in *phResult, of 0 entries when there is nothing or no such position; 1 for null and
+// when there is no memory (*phResult is the handle as far as there is one; the block is not freed).
+
+// The status of an answer without a prefecture.
+#define PST_NO_PREFECTURE 107
+
+// The prefectures. Only two fields of the caller's record are read:
+//
+//   off size  pRecord
+//     0    2  sort type, kept for later calls: 2 dictionary order, 9 sorted (cities and towns; prefectures always
+//             stand in their conventional order)
+//    23       a city name or an address, NUL-terminated, of any length; "" asks for all prefectures
+//
+//   off size  the block, N names
+//     0    2  N
+//     2       names, packed: one byte with the length (modulo 256), the name; no NUL
+//
+// Of all prefectures each stands at its number, 0 for 北海道 to 46 for 沖縄県; one that the dictionary lacks has length
+// 0. PST_NO_PREFECTURE when there is none (*phResult untouched).
+QEADRS_API uint32_t PstAdrRPrf(void* pRecord, HGLOBAL* phResult);
+
+// The cities of a prefecture, in a block like that of PstAdrRPrf.
+QEADRS_API uint32_t PstAdrRCity(unsigned short nPref, HGLOBAL* phResult);
+
+// The towns of a city with their codes, as far as a town has a code of its own.
+//
+//   off size  the block, N towns
+//     0    2  N
+//     2       towns, packed: town, old postal code and postal code, each as one byte with the length (modulo 256) and
+//             the text without NUL; then one byte 0
+QEADRS_API uint32_t PstAdrTown(unsigned short nCity, HGLOBAL* phResult);
+
+// The same with the postal code in front of the old one. Other than PstAdrTown it frees a block that it cannot lock:
+// with status 1 the handle in *phResult is none any more.
+QEADRS_API uint32_t PstAdrRTown(unsigned short nCity, HGLOBAL* phResult);
+
+// All current addresses below a city, as lines for a screen. After an answer that was not empty PstAdrTown and
+// PstAdrRTown answer with 0 entries until PstAdrRPrf has begun again.
+//
+//   off size  the block, N addresses
+//     0    2  N modulo 65,536; the pool's offset tells the true number, (offset - 12) / 28
+//     2    2  0
+//     4    4  12: offset of the entries
+//     8    4  12 + 28 N: offset of the pool
+//    12  28N  entries of seven 32-bit offsets into the pool: +0 postal code, +4 old code, +16 line, +24 organisation;
+//             +8, +12 and +20 are 0 and to be ignored
+//             pool: NUL-terminated texts, "" for an absent one. The line is the town and, behind a blank each, the
+//             building and its floor; "" without a town. A building stays in the lines of organisations that are
+//             listed behind it. The block is larger than its content.
+QEADRS_API uint32_t PstAdrRTownForUI(unsigned short nCity, HGLOBAL* phResult);
 
 #ifdef __cplusplus
 }

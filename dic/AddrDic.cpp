@@ -26,9 +26,7 @@ int CAddrDic::SetDictionary(unsigned char const* pDictionary) {
     std::memset(szRefineAddr, 0, sizeof szRefineAddr);
     nSelPref = nSelCity = nSelTown = nSelUnused = 0;
     pszLastOffice = nullptr;
-    vPrefList.clear();
-    vCityList.clear();
-    vTownList.clear();
+    EmptyLists();
     nSortType = SORT_DICTIONARY;
     vRefineTree.clear();
     vPrefPnt.clear();

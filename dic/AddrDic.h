@@ -198,9 +198,60 @@ class QEADRS_API CAddrDic {
     // no deeper than 256 nodes, more than there are levels.
     void recTraceNode(tagADDRNODE const* pNode, tagADDR addr, std::vector<tagADDR>& vAddr);
 
+    // --- browsing ---------------------------------------------------------------------------------------------
+    //
+    //   dic.GetPref(vPref);               // all prefectures; or GetPrefFromCity(text, vPref)
+    //   dic.GetCityFromNo(12, vCity);     // the cities of vPref[12], 東京都
+    //   dic.GetTownFromNo(0, vTown);      // the towns of vCity[0], 千代田区; or GetTownExFromNo(0, vAddr)
+    //
+    // A number is a position in the answer before, which the object keeps as a list of nodes, one list for each level.
+    // GetPref and GetPrefFromCity empty all three. A list that holds something when its own level is asked for fixes
+    // that level: GetCityFromNo and GetTownFromNo then answer its first entry only, whatever the number. So ask each
+    // level once, and begin again at the prefectures for another branch. The postal-code lookups rewrite the city
+    // list, too. Answers are appended to an empty vector of the caller's; pListCity of a record is its node.
+
+    // All prefectures by their numbers, 0 (北海道) to 46 (沖縄県): pszPref and pszPrefKana, at the position of the
+    // number in pref_order. A prefecture that the dictionary lacks has a blank record. One that pref_order lacks takes
+    // the place of the one before it, and is left out when there is none. Returns true; false when a reading does not
+    // lie in the string area, and then the answer ends with that prefecture.
+    bool GetPref(std::vector<tagADDR>& vAddr);
+
+    // The prefecture that an address text begins with, as DivideAddr reads the text (then the record has all that it
+    // found, and no list node); else the prefectures, each once, that have a city whose name begins with the city of
+    // the text, without readings: "府中市" gives 東京都 and 広島県. A city or town in the text fixes its level. Returns
+    // false for null and when nothing was found, and like the search below it misses the first city of the index.
+    bool GetPrefFromCity(char const* pszText, std::vector<tagADDR>& vAddr);
+
+    // The cities of a prefecture, superseded ones included: pszCity, pszCityKana. With SORT_ADDR sorted, and the
+    // numbers are those of the sorted answer. Returns false, and answers nothing, when there is no such prefecture.
+    bool GetCityFromNo(unsigned long nPref, std::vector<tagADDR>& vAddr);
+
+    // Replaces vNode by the city nodes whose names begin with pszName: first the one that a binary search of the index
+    // hits, then those before it backwards, then those behind it. The first city of the index is never among them. A
+    // name that ends in 区, 町 or 村 in the manner of a double-byte encoding, by two bytes, and holds no 市, 郡 or
+    // the like before, is looked for at the ends of city names instead. Returns true, also when there is none at the
+    // ends; false for null and when the search meets no match or a damaged entry.
+    bool SearchCity(char const* pszName, std::vector<tagADDRNODE const*>& vNode);
+
+    // The towns of a city, superseded ones included and nameless ones left out: pszTown, pszTownKana and, where the
+    // town has an entry, pszPostCode and the old code in pszCodeExt. With SORT_ADDR sorted. Returns false when there
+    // is no such city, and when a child of it lies outside the node table; the towns before that child are then in
+    // vAddr, and the town list stays empty.
+    bool GetTownFromNo(unsigned long nCity, std::vector<tagADDR>& vAddr);
+
+    // All current addresses below a city as recTraceNode lists them, without the names of city and prefecture. With
+    // SORT_ADDR sorted. Always true; a number outside the last answer finds nothing. The records have no list nodes:
+    // after an answer that was not empty, GetTownFromNo fails until the lists are emptied.
+    bool GetTownExFromNo(unsigned long nCity, std::vector<tagADDR>& vAddr);
+
+    // Appends the node and all nodes below it that have a current entry, parents first, under the same limits as
+    // recTraceNode.
+    void recCollectNode(tagADDRNODE const* pNode, std::vector<tagADDRNODE const*>& vNode);
+
   private:
     friend struct CAddrDicPeek; // tests of state that no operation reads
 
+    QEADRS_LOCAL void EmptyLists();
     QEADRS_LOCAL void KeepOfficeText();
 
     unsigned char const* pImage;
