@@ -1021,4 +1021,12 @@ TEST_F(HugeBlock, OfLinesIsAskedForInFullOrNotAtAll) {
     ExpectSize(PstAdrRTownForUI, 12 + uint64_t{CHILDREN} * (28 + 7 + NAME + 7 + 3));
 }
 
+// The block that lookups by code share, too.
+TEST_F(HugeBlock, OfAddressesIsAskedForInFullOrNotAtAll) {
+    Bind(Crowd(LEVEL_TOWN, CHILDREN, std::string(NAME, 'T')));
+    auto const Find = [](unsigned short, HGLOBAL* ph) { return static_cast<uint32_t>(GetAdrFromAdd("北海道", ph)); };
+    size_t const nTexts = 3 + 7 + 9 + 1 + NAME + 7; // old code, code, prefecture, city, town; a NUL for each of seven
+    ExpectSize(Find, 12 + uint64_t{CHILDREN} * (28 + nTexts));
+}
+
 } // namespace
