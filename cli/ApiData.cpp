@@ -2,16 +2,14 @@
 #include "cli/ApiData.h"
 
 #include "cli/Failure.h"
-#include "dic/AddrDic.h"
 
 #include <algorithm>
 #include <cstring>
 
 namespace qe {
 
-CAddressRecord::CAddressRecord(std::string const& strAddress, std::string const& strOffice)
+CAddressRecord::CAddressRecord(std::string const& strAddress, std::string const& strOffice, uint16_t nSortType)
     : m_vByte(sizeof(tagADDRESSRECORD) + strOffice.size()) {
-    uint16_t const nSortType = SORT_DICTIONARY;
     std::memcpy(m_vByte.data(), &nSortType, sizeof nSortType);
     strAddress.copy(&m_vByte[offsetof(tagADDRESSRECORD, szAddress)], ADDRESS_LENGTH);
     strOffice.copy(&m_vByte[offsetof(tagADDRESSRECORD, szOffice)], strOffice.size());

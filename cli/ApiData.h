@@ -2,6 +2,7 @@
 #ifndef QEADRS_CLI_APIDATA_H
 #define QEADRS_CLI_APIDATA_H
 
+#include "dic/AddrDic.h"
 #include "platform/Win32Compat.h"
 
 #include <cstddef>
@@ -27,10 +28,10 @@ struct tagCODERECORD {
 };
 static_assert(sizeof(tagCODERECORD) == 16 && offsetof(tagCODERECORD, szCode) == 8, "the caller's record");
 
-// The record that PstAdrGetZip and PstAdrGetLatestAdr take.
+// The record that PstAdrGetZip, PstAdrGetLatestAdr and PstAdrRPrf take.
 //
 //   off size  field      meaning
-//     0    2  nSortType  as above; PstAdrGetLatestAdr does not read it
+//     0    2  nSortType  as above; PstAdrGetLatestAdr does not read it, PstAdrRPrf reads it and szAddress only
 //     2    6  szOldCode  out: old code; ends with its field or at a NUL
 //     8   15  szCode     out: postal code, in the same way
 //    23  122  szAddress  address; PstAdrGetLatestAdr writes the latest form back
@@ -54,7 +55,8 @@ static_assert(ADDRESS_LENGTH == 121);
 class CAddressRecord {
   public:
     // REQUIRES: at most ADDRESS_LENGTH bytes of address, and no NUL in either text.
-    explicit CAddressRecord(std::string const& strAddress, std::string const& strOffice = "");
+    explicit CAddressRecord(std::string const& strAddress, std::string const& strOffice = "",
+                            uint16_t nSortType = SORT_DICTIONARY);
 
     void* Pointer() { return m_vByte.data(); }
 

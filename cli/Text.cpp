@@ -60,6 +60,31 @@ bool IsDress(utf8proc_int32_t nChar) {
            nChar == POSTAL_MARK_FACE;
 }
 
+// Hiragana as katakana, small kana as large ones: ょ and ョ are ヨ.
+utf8proc_int32_t FoldKana(utf8proc_int32_t nChar) {
+    constexpr utf8proc_int32_t TO_KATAKANA = 0x60;
+    if (nChar >= 0x3041 && nChar <= 0x3096) nChar += TO_KATAKANA;
+    switch (nChar) {
+    case 0x30A1: // ァ ィ ゥ ェ ォ ッ ャ ュ ョ ヮ, each in front of its large form
+    case 0x30A3:
+    case 0x30A5:
+    case 0x30A7:
+    case 0x30A9:
+    case 0x30C3:
+    case 0x30E3:
+    case 0x30E5:
+    case 0x30E7:
+    case 0x30EE:
+        return nChar + 1;
+    case 0x30F5: // ヵ
+        return 0x30AB;
+    case 0x30F6: // ヶ
+        return 0x30B1;
+    default:
+        return nChar;
+    }
+}
+
 } // namespace
 
 std::optional<std::string> FoldCode(std::string_view strText) {
@@ -74,6 +99,12 @@ std::optional<std::string> FoldCode(std::string_view strText) {
             return std::nullopt;
     }
     return strCode.empty() ? std::nullopt : std::optional(strCode);
+}
+
+bool IsUtf8(std::string_view strText) {
+    while (!strText.empty())
+        if (TakeCharacter(strText) < 0) return false;
+    return true;
 }
 
 bool IsBlank(std::string_view strText) {
@@ -135,10 +166,36 @@ std::string Grouped(size_t n) {
     return str;
 }
 
+std::string FoldForFilter(std::string_view strText) {
+    std::string strFolded;
+    std::string const strPlain = Normalise(strText).value_or("");
+    for (std::string_view strRest = strPlain; !strRest.empty();)
+        Append(strFolded, FoldKana(utf8proc_tolower(TakeCharacter(strRest))));
+    return strFolded;
+}
+
 size_t DisplayWidth(std::string_view strText) {
     size_t nWidth = 0;
     while (!strText.empty()) nWidth += static_cast<size_t>(utf8proc_charwidth(TakeCharacter(strText)));
     return nWidth;
+}
+
+std::string_view CutToWidth(std::string_view strText, size_t nWidth) {
+    std::string_view strRest = strText;
+    for (size_t nUsed = 0; !strRest.empty();) {
+        std::string_view strBehind = strRest;
+        nUsed += static_cast<size_t>(utf8proc_charwidth(TakeCharacter(strBehind)));
+        if (nUsed > nWidth) break;
+        strRest = strBehind;
+    }
+    return strText.substr(0, strText.size() - strRest.size());
+}
+
+std::string_view DropLast(std::string_view strText) {
+    size_t nLast = strText.size();
+    for (std::string_view strRest = strText; !strRest.empty(); TakeCharacter(strRest))
+        nLast = strText.size() - strRest.size();
+    return strText.substr(0, nLast);
 }
 
 } // namespace qe

@@ -18,6 +18,8 @@ std::optional<std::string> FoldCode(std::string_view strText);
 // Nothing but blanks, of any width; also the empty text.
 bool IsBlank(std::string_view strText);
 
+bool IsUtf8(std::string_view strText);
+
 // The text without the blanks before and behind it.
 std::string_view Trim(std::string_view strText);
 
@@ -34,6 +36,16 @@ std::string Quote(std::string_view strText);
 
 // A number as people read it: "1,234".
 std::string Grouped(size_t n);
+
+// The text as a running filter compares it: full-width and half-width forms as the usual ones, hiragana and small kana
+// as large katakana, letters small. "" when it is not UTF-8.
+std::string FoldForFilter(std::string_view strText);
+
+// As many characters of the text as fit into nWidth columns of a terminal. REQUIRES: valid UTF-8.
+std::string_view CutToWidth(std::string_view strText, size_t nWidth);
+
+// The text without its last character.
+std::string_view DropLast(std::string_view strText);
 
 // Columns that a text takes on a terminal: east-asian wide characters two, combining marks none, all others one.
 // REQUIRES: valid UTF-8, as Clean returns it.

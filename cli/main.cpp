@@ -1,5 +1,6 @@
 // qeadrs - looks up Japanese postal addresses: options in, exit status out.
 #include "cli/AddrCommand.h"
+#include "cli/BrowseCommand.h"
 #include "cli/Failure.h"
 #include "cli/FindCommand.h"
 #include "cli/LatestCommand.h"
@@ -19,6 +20,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
@@ -49,6 +51,15 @@ constexpr char FIND_HELP[] =
     "all below the prefectures and cities whose names it begins. Columns are those of `qeadrs zip`; behind a whole\n"
     "town the area holds the rest of the text. How many there are is remarked on standard error.\n";
 
+constexpr char BROWSE_HELP[] =
+    "Without a place on a terminal: pick the prefecture, city and town from lists, typing a part of the name or of "
+    "its\n"
+    "reading to narrow them. A place is its number, its name or reading, or the one beginning or end of a name that\n"
+    "fits a single one. Lists have the columns number (counted from 0, as the library does), name, postal code, old\n"
+    "code, superseded (\"yes\": a place of an earlier edition), with --kana the reading; a town's addresses have "
+    "those\n"
+    "of `qeadrs zip`; --ui has postal code, old code, line, organisation.\n";
+
 // The help in our own words: a command is introduced by its name, and options are not followed by their relations.
 class CHelp : public CLI::Formatter {
   public:
@@ -59,9 +70,13 @@ class CHelp : public CLI::Formatter {
     std::string make_usage(CLI::App const* pApp, std::string) const override {
         if (pApp->get_parent() == nullptr)
             return "Usage: qeadrs COMMAND [OPTION...] [TEXT...]     (no TEXT: one per line from standard input)\n";
-        CLI::Option const* const pText =
-            pApp->get_options([](CLI::Option const* p) { return p->get_positional(); })[0];
-        return "Usage: qeadrs " + pApp->get_name() + " [OPTION...] [" + pText->get_single_name() + "...]\n";
+        // Each text needs the one before it: "[PREFECTURE [CITY]]".
+        std::string strTexts, strEnd;
+        for (CLI::Option const* pText : pApp->get_options([](CLI::Option const* p) { return p->get_positional(); })) {
+            strTexts += " [" + pText->get_single_name() + (pText->get_items_expected_max() > 1 ? "..." : "");
+            strEnd += ']';
+        }
+        return "Usage: qeadrs " + pApp->get_name() + " [OPTION...]" + strTexts + strEnd + '\n';
     }
     std::string make_option_opts(CLI::Option const* pOption) const override {
         return pOption->get_type_name().empty() ? "" : " " + pOption->get_type_name();
@@ -141,6 +156,24 @@ void AddFind(CLI::App& app, CFindOptions& options, CCommonOptions& common, EExit
     pFind->callback([&options, &common, &nStatus] { nStatus = RunFind(options, common); });
 }
 
+void AddBrowse(CLI::App& app, CBrowseOptions& options, CCommonOptions& common, EExit& nStatus) {
+    CLI::App* const pBrowse =
+        app.add_subcommand("browse", "prefectures, cities and towns, level by level")->group("Commands");
+    for (auto const& [strName, strHelp] :
+         {std::pair("PREFECTURE", "list its cities (none: all prefectures)"), std::pair("CITY", "list its towns"),
+          std::pair("TOWN", "print the addresses of the town")})
+        pBrowse
+            ->add_option_function<std::string>(
+                strName, [&options](std::string const& strText) { options.vPath.push_back(strText); }, strHelp)
+            ->type_name("");
+    pBrowse->add_flag("--ui", options.bLines, "a city's or town's addresses as lines for a screen");
+    pBrowse->add_flag("--sort", options.bSort, "cities and towns by name (default: dictionary order)");
+    pBrowse->add_flag("--kana", options.bKana, "readings, too");
+    AddCommon(*pBrowse, common);
+    pBrowse->footer(std::string(BROWSE_HELP) + EXIT_HELP);
+    pBrowse->callback([&options, &common, &nStatus] { nStatus = RunBrowse(options, common); });
+}
+
 int Run(int nArguments, char** ppszArgument) {
     CLI::App app("look up Japanese postal addresses", "qeadrs");
     app.formatter(std::make_shared<CHelp>());
@@ -157,11 +190,13 @@ int Run(int nArguments, char** ppszArgument) {
     CAddrOptions addrOptions;
     CLatestOptions latestOptions;
     CFindOptions findOptions;
+    CBrowseOptions browseOptions;
     EExit nStatus = EXIT_FOUND;
     AddZip(app, zipOptions, common, nStatus);
     AddAddr(app, addrOptions, common, nStatus);
     AddLatest(app, latestOptions, common, nStatus);
     AddFind(app, findOptions, common, nStatus);
+    AddBrowse(app, browseOptions, common, nStatus);
     try {
         app.parse(nArguments, ppszArgument);
     } catch (CLI::ParseError const& error) {

@@ -2,8 +2,8 @@
 # packages.sh - installing Debian packages, for the scripts at the root (sourced, not run).
 
 # What the library, the tools and a dictionary need.
-PACKAGES_BUILD="ca-certificates cmake g++ libcli11-dev libcurl4-openssl-dev libinih-dev libutf8proc-dev libzip-dev
-    make ninja-build nlohmann-json3-dev pkg-config"
+PACKAGES_BUILD="ca-certificates cmake g++ libcli11-dev libcurl4-openssl-dev libinih-dev libncurses-dev libutf8proc-dev
+    libzip-dev make ninja-build nlohmann-json3-dev pkg-config"
 # What the tests need besides.
 PACKAGES_CHECK="binutils clang-format-14 git g++-multilib googletest libbenchmark-dev libsqlite3-dev libutf8proc-dev
     skkdic-extra unzip"

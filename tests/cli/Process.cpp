@@ -1,7 +1,9 @@
 #include "tests/cli/Process.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <pty.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -40,7 +42,7 @@ CPipe::CPipe() {
 }
 
 pid_t Start(std::vector<std::string> const& vArgument, CEnvironment const& environment, std::string const& strFolder,
-            int hIn, int hOut, int hErr) {
+            int hIn, int hOut, int hErr, bool bOwnTerminal) {
     std::vector<std::string> vVariable;
     for (auto const& [strName, strValue] : environment) vVariable.push_back(strName + '=' + strValue);
     auto const Pointers = [](std::vector<std::string> const& vText) {
@@ -58,6 +60,7 @@ pid_t Start(std::vector<std::string> const& vArgument, CEnvironment const& envir
     int const anHandle[] = {hIn, hOut, hErr};
     for (int n = 0; n < 3; ++n) // the test's own descriptors are all above 2
         anHandle[n] < 0 ? close(n) : dup2(anHandle[n], n);
+    if (bOwnTerminal && (setsid() < 0 || ioctl(STDIN_FILENO, TIOCSCTTY, 0) != 0)) _exit(127);
     alarm(LONGEST_RUN);
     if (chdir(strFolder.c_str()) == 0) execve(vpszArgument[0], vpszArgument.data(), vpszVariable.data());
     _exit(127);
@@ -81,6 +84,14 @@ std::string ReadUntil(int hFile, std::string const& strEnd) {
     std::string strAll;
     for (char c; strAll.find(strEnd) == std::string::npos && read(hFile, &c, 1) == 1;) strAll += c;
     return strAll;
+}
+
+bool ReadSome(int hFile, int nMilliseconds, std::string& strAll) {
+    pollfd file = {hFile, POLLIN, 0};
+    char ab[4096];
+    ssize_t const n = poll(&file, 1, nMilliseconds) == 1 ? read(hFile, ab, sizeof ab) : 0;
+    if (n > 0) strAll.append(ab, static_cast<size_t>(n));
+    return n > 0;
 }
 
 void WriteAll(int hFile, std::string const& strText) {

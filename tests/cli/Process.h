@@ -37,9 +37,11 @@ struct CPipe {
 
 using CEnvironment = std::map<std::string, std::string>;
 
-// Starts a program with these standard streams (-1: closed) and nothing but this environment, in this folder.
+// Starts a program with these standard streams (-1: closed) and nothing but this environment, in this folder. With
+// bOwnTerminal the terminal that is its standard input becomes its own: it gets the signals of typed keys, of a change
+// of size and of a hang-up.
 pid_t Start(std::vector<std::string> const& vArgument, CEnvironment const& environment, std::string const& strFolder,
-            int hIn, int hOut, int hErr);
+            int hIn, int hOut, int hErr, bool bOwnTerminal = false);
 
 // Waits for the program to end: its exit status, or 1000 and the number of the signal that ended it.
 int Wait(pid_t nProcess);
@@ -49,6 +51,9 @@ std::string ReadAll(int hFile);
 
 // What comes until strEnd has come; all there was when the other side is closed before.
 std::string ReadUntil(int hFile, std::string const& strEnd);
+
+// Appends what has come or comes within so many milliseconds; false when nothing did, and when the other side is closed.
+bool ReadSome(int hFile, int nMilliseconds, std::string& strAll);
 
 void WriteAll(int hFile, std::string const& strText);
 
