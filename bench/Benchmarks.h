@@ -39,6 +39,10 @@ void RegisterLookups(CBench& bench);
 
 // Tells first how often library and yardstick find the same town.
 void RegisterAddressText(CBench& bench, std::ostream& out);
+
+// Tells first how long the lists are, and throws when SQLite's are longer or shorter.
+void RegisterBrowsing(CBench& bench, std::ostream& out);
+
 void RegisterOpenAndCompile(CBench& bench);
 
 // Starts the dictionary compiler; returns its peak memory and throws when it fails.

@@ -1,7 +1,6 @@
 // Lookups.cpp - from a code to its addresses: each query beside the SQL statement that answers the same.
 #include "bench/Benchmarks.h"
-
-#include "api/Pstexec.h"
+#include "bench/OpenApi.h"
 
 #include <algorithm>
 #include <cstring>
@@ -13,44 +12,6 @@
 namespace {
 
 using benchmark::DoNotOptimize;
-
-// The process-wide dictionary of the C interface, open as long as the object lives.
-class COpenApi {
-  public:
-    COpenApi() {
-        if (PstAdrOpen() != 0) throw std::runtime_error("PstAdrOpen failed");
-    }
-    ~COpenApi() { PstAdrClose(); }
-    COpenApi(COpenApi const&) = delete;
-    COpenApi& operator=(COpenApi const&) = delete;
-};
-
-// A locked block.
-class CView {
-  public:
-    explicit CView(HGLOBAL hMem) : m_hMem(hMem), m_p(static_cast<char const*>(GlobalLock(hMem))) {}
-    ~CView() {
-        GlobalUnlock(m_hMem);
-        GlobalFree(m_hMem);
-    }
-    CView(CView const&) = delete;
-    CView& operator=(CView const&) = delete;
-
-    size_t Count() const { return ReadInteger<uint16_t>(0); }
-    char const* Pool() const { return m_p + ReadInteger<uint32_t>(8); }
-    size_t PoolSize() const { return GlobalSize(m_hMem) - ReadInteger<uint32_t>(8); }
-
-  private:
-    template <typename T>
-    T ReadInteger(size_t nOffset) const {
-        T n;
-        std::memcpy(&n, m_p + nOffset, sizeof n);
-        return n;
-    }
-
-    HGLOBAL m_hMem;
-    char const* m_p;
-};
 
 // The record of PstAdrCity: sort type 2 and one of the two codes.
 struct tagCITYQUERY {

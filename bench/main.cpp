@@ -108,6 +108,7 @@ int Measure(CChildRunner& runner) {
     CheckAnswers(bench, std::cout);
     RegisterLookups(bench);
     RegisterAddressText(bench, std::cout);
+    RegisterBrowsing(bench, std::cout);
     RegisterOpenAndCompile(bench);
     CRatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
