@@ -205,6 +205,7 @@ class CBrowseCommand : public CCommand {
             std::vector<CPlace> const vPlace = List(path);
             if (vPlace.empty() && !path.empty()) break;
             std::vector<CPickItem> vLine;
+            vLine.reserve(vPlace.size());
             for (CPlace const& place : vPlace) vLine.push_back(MakeItem(place));
             EPick const nPick = picker.Pick(Title(path), vLine, vItem.back());
             if (nPick == EPick::Quit || (nPick == EPick::Back && path.empty())) return std::nullopt;

@@ -26,7 +26,7 @@ class CTextReader {
     explicit CTextReader(CBlock const& block) : m_block(block) {}
     std::string Take(std::string const& strKnown) {
         size_t const nLength = strKnown.size();
-        std::string const strText(m_block.Bytes(m_nOffset + 1, nLength));
+        std::string strText(m_block.Bytes(m_nOffset + 1, nLength));
         m_nOffset += 1 + nLength;
         return strText;
     }
