@@ -150,37 +150,52 @@ constexpr CZipText ZIP_POOL[ZIP_TEXTS] = {
 constexpr size_t ZIP_HEADER = 12;
 constexpr size_t ZIP_ENTRY = 4 * ZIP_TEXTS;
 
-size_t PoolOffset(std::vector<tagADDR> const& vAddr) {
-    return ZIP_HEADER + ZIP_ENTRY * vAddr.size();
-}
+// The block of a table of addresses: header, entries, and a pool of texts that the entries lead to. Its texts are put one
+// behind the other.
+class CTable {
+  public:
+    // nTexts is the size of the pool.
+    CTable(size_t nEntries, uint64_t nTexts, HGLOBAL* phResult)
+        : m_nPool(ZIP_HEADER + ZIP_ENTRY * nEntries), m_nText(m_nPool), m_block(m_nPool + nTexts, phResult) {
+        if (!m_block.IsLocked()) return;
+        m_block.PutShort(nEntries);
+        m_block.PutShort(0);
+        m_block.PutLong(ZIP_HEADER);
+        m_block.PutLong(m_nPool);
+    }
 
-void PutTableHeader(CBlock& block, std::vector<tagADDR> const& vAddr) {
-    block.PutShort(vAddr.size());
-    block.PutShort(0);
-    block.PutLong(ZIP_HEADER);
-    block.PutLong(PoolOffset(vAddr));
-}
+    bool IsLocked() const { return m_block.IsLocked(); }
+
+    // Puts a text, by a call that writes it with its NUL, and its place into a slot of the entry.
+    template <typename FPut>
+    void Put(size_t nSlot, FPut const& PutText) {
+        m_block.Seek(m_nEntry + 4 * nSlot);
+        m_block.PutLong(m_nText - m_nPool);
+        m_block.Seek(m_nText);
+        PutText(m_block);
+        m_nText = m_block.Tell();
+    }
+    void Put(size_t nSlot, char const* psz) {
+        Put(nSlot, [psz](CBlock& block) { block.PutString(psz); });
+    }
+    void NextEntry() { m_nEntry += ZIP_ENTRY; }
+
+  private:
+    size_t m_nPool;
+    size_t m_nText; // place of the next text
+    size_t m_nEntry = ZIP_HEADER;
+    CBlock m_block;
+};
 
 int PackAddresses(std::vector<tagADDR> const& vAddr, HGLOBAL* phResult) {
-    size_t const nPool = PoolOffset(vAddr);
-    uint64_t nSize = nPool;
+    uint64_t nTexts = 0;
     for (tagADDR const& addr : vAddr)
-        for (CZipText const& text : ZIP_POOL) nSize += TextLength(addr.*text.pszText) + 1;
-    CBlock block(nSize, phResult);
-    if (!block.IsLocked()) return 1;
-    PutTableHeader(block, vAddr);
-    size_t nEntry = ZIP_HEADER;
-    size_t nText = 0; // offset in the pool
+        for (CZipText const& text : ZIP_POOL) nTexts += TextLength(addr.*text.pszText) + 1;
+    CTable table(vAddr.size(), nTexts, phResult);
+    if (!table.IsLocked()) return 1;
     for (tagADDR const& addr : vAddr) {
-        for (CZipText const& text : ZIP_POOL) {
-            size_t const nLength = TextLength(addr.*text.pszText);
-            block.Seek(nEntry + 4 * text.nSlot);
-            block.PutLong(nText);
-            block.Seek(nPool + nText);
-            block.PutText(addr.*text.pszText, nLength);
-            nText += nLength + 1; // the block is zero-filled: the NUL is there
-        }
-        nEntry += ZIP_ENTRY;
+        for (CZipText const& text : ZIP_POOL) table.Put(text.nSlot, addr.*text.pszText);
+        table.NextEntry();
     }
     return 0;
 }
@@ -239,8 +254,10 @@ uint32_t PackNames(std::vector<tagADDR> const& vAddr, PTEXT pName, HGLOBAL* phRe
     return 0;
 }
 
-// The town and two codes of each address, each with its length in front, and a closing zero.
-uint32_t PackTowns(std::vector<tagADDR> const& vAddr, PTEXT pFirstCode, PTEXT pSecondCode, HGLOBAL* phResult) {
+// The town and two codes of each town of a city, each with its length in front, and a closing zero.
+uint32_t ListTowns(unsigned short nCity, PTEXT pFirstCode, PTEXT pSecondCode, HGLOBAL* phResult) {
+    std::vector<tagADDR> vAddr;
+    dic.GetTownFromNo(nCity, vAddr);
     std::initializer_list<PTEXT> const vText = {&tagADDR::pszTown, pFirstCode, pSecondCode};
     CBlock block(2 + 4 * uint64_t{vAddr.size()} + TotalLength(vAddr, vText), phResult);
     if (!block.IsLocked()) return 1;
@@ -266,36 +283,23 @@ void PutLine(CBlock& block, tagADDR const& addr) {
 }
 
 // The bytes of an entry's four NULs, of the two blanks in its line, and one more.
-constexpr size_t LINE_OVERHEAD = 7;
-constexpr size_t SLOT_LINE = 4, SLOT_OFFICE = 6;
+constexpr uint64_t LINE_OVERHEAD = 7;
+constexpr size_t SLOT_CODE = 0, SLOT_OLD_CODE = 1, SLOT_LINE = 4, SLOT_OFFICE = 6;
 
 // The table of addresses as lines. Its size counts the area too, which is not written: it is known to be larger than
 // its content.
 uint32_t PackLines(std::vector<tagADDR> const& vAddr, HGLOBAL* phResult) {
-    size_t const nPool = PoolOffset(vAddr);
-    CBlock block(
-        nPool + LINE_OVERHEAD * uint64_t{vAddr.size()} +
-            TotalLength(vAddr, {&tagADDR::pszCodeExt, &tagADDR::pszPostCode, &tagADDR::pszTown, &tagADDR::pszArea,
-                                &tagADDR::pszBlock, &tagADDR::pszNote, &tagADDR::pszOffice}),
-        phResult);
-    if (!block.IsLocked()) return 1;
-    PutTableHeader(block, vAddr);
-    size_t nEntry = ZIP_HEADER;
-    size_t nText = nPool;
+    uint64_t const nTexts =
+        TotalLength(vAddr, {&tagADDR::pszCodeExt, &tagADDR::pszPostCode, &tagADDR::pszTown, &tagADDR::pszArea,
+                            &tagADDR::pszBlock, &tagADDR::pszNote, &tagADDR::pszOffice});
+    CTable table(vAddr.size(), LINE_OVERHEAD * vAddr.size() + nTexts, phResult);
+    if (!table.IsLocked()) return 1;
     for (tagADDR const& addr : vAddr) {
-        // Puts a text behind the last one, and its place into a slot of the entry.
-        auto const PutAt = [&](size_t nSlot, auto const& Put) {
-            block.Seek(nEntry + 4 * nSlot);
-            block.PutLong(nText - nPool);
-            block.Seek(nText);
-            Put();
-            nText = block.Tell();
-        };
-        PutAt(1, [&] { block.PutString(addr.pszCodeExt); });
-        PutAt(0, [&] { block.PutString(addr.pszPostCode); });
-        PutAt(SLOT_LINE, [&] { PutLine(block, addr); });
-        PutAt(SLOT_OFFICE, [&] { block.PutString(addr.pszOffice); });
-        nEntry += ZIP_ENTRY;
+        table.Put(SLOT_OLD_CODE, addr.pszCodeExt);
+        table.Put(SLOT_CODE, addr.pszPostCode);
+        table.Put(SLOT_LINE, [&addr](CBlock& block) { PutLine(block, addr); });
+        table.Put(SLOT_OFFICE, addr.pszOffice);
+        table.NextEntry();
     }
     return 0;
 }
@@ -443,18 +447,14 @@ uint32_t PstAdrRCity(unsigned short nPref, HGLOBAL* phResult) try {
 
 uint32_t PstAdrTown(unsigned short nCity, HGLOBAL* phResult) try {
     if (phResult == nullptr) return 1;
-    std::vector<tagADDR> vAddr;
-    dic.GetTownFromNo(nCity, vAddr);
-    return PackTowns(vAddr, &tagADDR::pszCodeExt, &tagADDR::pszPostCode, phResult);
+    return ListTowns(nCity, &tagADDR::pszCodeExt, &tagADDR::pszPostCode, phResult);
 } catch (std::bad_alloc const&) {
     return 1;
 }
 
 uint32_t PstAdrRTown(unsigned short nCity, HGLOBAL* phResult) try {
     if (phResult == nullptr) return 1;
-    std::vector<tagADDR> vAddr;
-    dic.GetTownFromNo(nCity, vAddr);
-    uint32_t const nStatus = PackTowns(vAddr, &tagADDR::pszPostCode, &tagADDR::pszCodeExt, phResult);
+    uint32_t const nStatus = ListTowns(nCity, &tagADDR::pszPostCode, &tagADDR::pszCodeExt, phResult);
     if (nStatus != 0) GlobalFree(*phResult); // unlike the others: its callers do not free a block they never saw
     return nStatus;
 } catch (std::bad_alloc const&) {

@@ -39,8 +39,6 @@ size_t ColumnCount(bool bKana) {
     return bKana ? COL_COUNT : COL_PREF_KANA;
 }
 
-constexpr size_t ENTRY_SIZE = 28;
-
 // Not the count at offset 0 of a block: it has 16 bits, and a query may have more answers.
 size_t CountAddresses(CBlock const& block) {
     size_t const nEntries = block.Long(4);
@@ -52,12 +50,9 @@ size_t CountAddresses(CBlock const& block) {
 std::vector<CRow> ReadAddresses(CBlock const& block, size_t nCount) {
     constexpr std::pair<size_t, EColumn> SLOTS[] = {{0, COL_CODE},  {8, COL_PREF},  {12, COL_CITY},
                                                     {16, COL_TOWN}, {20, COL_AREA}, {24, COL_OFFICE}};
-    size_t const nEntries = block.Long(4);
-    size_t const nPool = block.Long(8);
     std::vector<CRow> vAddress(nCount, CRow(COL_COUNT));
     for (size_t i = 0; i < nCount; ++i)
-        for (auto const& [nSlot, nColumn] : SLOTS)
-            vAddress[i][nColumn] = block.Text(nPool + block.Long(nEntries + ENTRY_SIZE * i + nSlot));
+        for (auto const& [nSlot, nColumn] : SLOTS) vAddress[i][nColumn] = block.EntryText(i, nSlot);
     return vAddress;
 }
 

@@ -2,14 +2,16 @@
 #include "cli/ApiData.h"
 
 #include "cli/Failure.h"
+#include "dic/AddrDic.h"
 
 #include <algorithm>
 #include <cstring>
 
 namespace qe {
 
-CAddressRecord::CAddressRecord(std::string const& strAddress, std::string const& strOffice, uint16_t nSortType)
+CAddressRecord::CAddressRecord(std::string const& strAddress, std::string const& strOffice)
     : m_vByte(sizeof(tagADDRESSRECORD) + strOffice.size()) {
+    uint16_t const nSortType = SORT_DICTIONARY;
     std::memcpy(m_vByte.data(), &nSortType, sizeof nSortType);
     strAddress.copy(&m_vByte[offsetof(tagADDRESSRECORD, szAddress)], ADDRESS_LENGTH);
     strOffice.copy(&m_vByte[offsetof(tagADDRESSRECORD, szOffice)], strOffice.size());
@@ -56,6 +58,10 @@ std::string_view CBlock::Bytes(size_t nOffset, size_t nLength) const {
 std::string CBlock::Text(size_t nOffset) const {
     std::string_view const strRest = Bytes(nOffset, m_nSize - std::min(nOffset, m_nSize));
     return std::string(strRest.substr(0, strRest.find('\0')));
+}
+
+std::string CBlock::EntryText(size_t nEntry, size_t nSlot) const {
+    return Text(size_t{Long(8)} + Long(Long(4) + ENTRY_SIZE * nEntry + nSlot));
 }
 
 uint32_t CBlock::Integer(size_t nOffset, size_t nBytes) const {

@@ -2,7 +2,6 @@
 #ifndef QEADRS_CLI_APIDATA_H
 #define QEADRS_CLI_APIDATA_H
 
-#include "dic/AddrDic.h"
 #include "platform/Win32Compat.h"
 
 #include <cstddef>
@@ -28,10 +27,11 @@ struct tagCODERECORD {
 };
 static_assert(sizeof(tagCODERECORD) == 16 && offsetof(tagCODERECORD, szCode) == 8, "the caller's record");
 
-// The record that PstAdrGetZip, PstAdrGetLatestAdr and PstAdrRPrf take.
+// The record that PstAdrGetZip and PstAdrGetLatestAdr take. PstAdrRPrf reads the sort type and the address of one, to
+// the address's NUL.
 //
 //   off size  field      meaning
-//     0    2  nSortType  as above; PstAdrGetLatestAdr does not read it, PstAdrRPrf reads it and szAddress only
+//     0    2  nSortType  as above; PstAdrGetLatestAdr does not read it
 //     2    6  szOldCode  out: old code; ends with its field or at a NUL
 //     8   15  szCode     out: postal code, in the same way
 //    23  122  szAddress  address; PstAdrGetLatestAdr writes the latest form back
@@ -55,8 +55,7 @@ static_assert(ADDRESS_LENGTH == 121);
 class CAddressRecord {
   public:
     // REQUIRES: at most ADDRESS_LENGTH bytes of address, and no NUL in either text.
-    explicit CAddressRecord(std::string const& strAddress, std::string const& strOffice = "",
-                            uint16_t nSortType = SORT_DICTIONARY);
+    explicit CAddressRecord(std::string const& strAddress, std::string const& strOffice = "");
 
     void* Pointer() { return m_vByte.data(); }
 
@@ -70,6 +69,9 @@ class CAddressRecord {
 
     std::vector<char> m_vByte;
 };
+
+// Bytes of an entry in a table of addresses.
+constexpr size_t ENTRY_SIZE = 28;
 
 // An answer block: locked while the object lives, freed with it. Reading outside the block throws CFailure.
 class CBlock {
@@ -85,6 +87,9 @@ class CBlock {
     uint32_t Long(size_t nOffset) const { return Integer(nOffset, 4); }
     std::string Text(size_t nOffset) const; // up to its NUL
     std::string_view Bytes(size_t nOffset, size_t nLength) const;
+
+    // A text of a table of addresses, by the number of its entry and the offset of its slot in the entry.
+    std::string EntryText(size_t nEntry, size_t nSlot) const;
 
   private:
     uint32_t Integer(size_t nOffset, size_t nBytes) const;

@@ -7,6 +7,7 @@
 #include "cli/Failure.h"
 
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <unordered_set>
 #include <utility>
@@ -17,6 +18,14 @@ namespace {
 
 void Check(uint32_t nStatus) {
     if (nStatus != 0) throw CFailure(EXIT_SYSTEM, "not enough memory.");
+}
+
+// The record of PstAdrRPrf: the address record, whose text goes on to its NUL, however long it is.
+std::vector<char> PrefectureRecord(std::string const& strText, uint16_t nSortType) {
+    std::vector<char> vRecord(offsetof(tagADDRESSRECORD, szAddress) + strText.size() + 1);
+    std::memcpy(vRecord.data(), &nSortType, sizeof nSortType);
+    strText.copy(&vRecord[offsetof(tagADDRESSRECORD, szAddress)], strText.size());
+    return vRecord;
 }
 
 // Texts of a block that stand one behind the other, each with a byte of its length in front. A text above 255 bytes
@@ -38,12 +47,10 @@ class CTextReader {
 };
 
 constexpr size_t LINE_SLOTS[] = {0, 4, 16, 24}; // postal code, old code, line, organisation
-constexpr size_t LINE_ENTRY = 28;
 
 CRow ReadLine(CBlock const& block, size_t nLine) {
     CRow row;
-    for (size_t const nSlot : LINE_SLOTS)
-        row.push_back(block.Text(block.Long(8) + block.Long(block.Long(4) + LINE_ENTRY * nLine + nSlot)));
+    for (size_t const nSlot : LINE_SLOTS) row.push_back(block.EntryText(nLine, nSlot));
     return row;
 }
 
@@ -52,10 +59,10 @@ CRow ReadLine(CBlock const& block, size_t nLine) {
 // --- both answers --------------------------------------------------------------------------------------------------
 
 CBrowser::CAnswer CBrowser::AskPrefectures(std::string const& strText) {
-    CAddressRecord record(strText, "", m_nSortType);
+    std::vector<char> vRecord = PrefectureRecord(strText, m_nSortType);
     CAnswer answer;
     HGLOBAL hResult = nullptr;
-    uint32_t const nStatus = PstAdrRPrf(record.Pointer(), &hResult);
+    uint32_t const nStatus = PstAdrRPrf(vRecord.data(), &hResult);
     if (nStatus != PST_NO_PREFECTURE) {
         Check(nStatus);
         answer.pBlock = std::make_unique<CBlock>(hResult);

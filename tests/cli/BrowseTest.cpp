@@ -408,7 +408,7 @@ TEST_F(QeadrsBrowse, NamesOnlyTheBeginningOfALongTextThatIsNotThere) {
               "qeadrs: " + std::string(40, 'x') + "...: not found; no prefecture of this name\n");
     EXPECT_EQ(Remark(Browse({"東京都", strLong})),
               "qeadrs: " + std::string(40, 'x') + "...: not found; no city of this name there\n");
-    // Longer than the API's record, which is asked for the prefectures of the text.
+    // Longer than the field of an address record.
     EXPECT_THAT(Remark(Browse({"小樽市" + strLong})),
                 EndsWith("...: not found; no prefecture of this name; it is a place in 北海道\n"));
 }

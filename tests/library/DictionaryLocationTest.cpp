@@ -2,6 +2,7 @@
 #include "tests/library/ApiWorld.h"
 
 #include "dic/ImageHeader.h"
+#include "tests/support/Peek.h"
 #include "tests/support/SystemWatch.h"
 #include "tests/support/TestProfile.h"
 
@@ -97,6 +98,20 @@ TEST_F(DictionaryLocation, OpenedForgetsTheWorkingStateOfTheLastOne) {
     PstAdrClose();
     ASSERT_EQ(PstAdrOpen(), 0);
     EXPECT_THAT(dic.GetLastInc(), IsNull());
+}
+
+// The file in its place may be another one by then: no position of an answer from the old one leads anywhere.
+TEST_F(DictionaryLocation, OpenedAgainHasNoListsOfBrowsing) {
+    world.Complete();
+    profile.WriteDictionary(world.Bytes());
+    ASSERT_EQ(PstAdrOpen(), 0);
+    std::vector<tagADDR> vPref, vCity, vTown;
+    ASSERT_TRUE(dic.GetPrefFromCity("東京都千代田区千代田", vPref));
+    PstAdrClose();
+    ASSERT_EQ(PstAdrOpen(), 0);
+    EXPECT_FALSE(dic.GetCityFromNo(0, vCity));
+    EXPECT_FALSE(dic.GetTownFromNo(0, vTown));
+    EXPECT_THAT(CAddrDicPeek(dic).vTownList, IsEmpty());
 }
 
 TEST_F(DictionaryLocation, IsTheRootFolderWhenTheProfileDoesNotTell) {
