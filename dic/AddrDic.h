@@ -248,11 +248,66 @@ class QEADRS_API CAddrDic {
     // recTraceNode.
     void recCollectNode(tagADDRNODE const* pNode, std::vector<tagADDRNODE const*>& vNode);
 
+    // --- refinement and selection lists -----------------------------------------------------------------------
+    //
+    //   char szCode[] = "100-00";                                    // writable
+    //   dic.MakeRefineTree(szCode, "");                              // all that the code can mean, as a tree
+    //   dic.GetAdrNum(0, 0, 0, &nPref, &nCity, &nTown, &w0, &w1, &w2);   // how much there is, and select
+    //   dic.GetAtCity(3, szName, 60, &nType);                        // the fourth city of the selected prefecture
+    //
+    // While the tree holds something the counts and positions are those of its levels; else they are those of lists of
+    // the whole dictionary, which GetAdrNum makes. All are sorted by display name (DispTree.h).
+
+    // Makes the tree of a part of a postal code or, when that is "", of an address; "" for both leaves it empty. The
+    // same two texts again find it as it is. pszCode is normalised in place (MakePostCode) although it is declared
+    // constant. Null counts as "". Returns 1; 0 when the entries of the code are the last ones of the dictionary, and
+    // then the tree is not sorted. REQUIRES: writable memory behind pszCode.
+    int MakeRefineTree(char const* pszCode, char const* pszAddr);
+
+    // Its address half, unsorted: all current entries below the levels that the text names. Always 1.
+    int SeparateAddr(char const* pszAddr);
+
+    // Replaces vNode by the nodes with a current entry that a text without a prefecture names: those of the cities
+    // whose names it is, or of their first children whose names begin the rest; when there is no such city or child,
+    // those of all cities that the text begins with. Always 0.
+    int SearchCity2(char const* pszAddr, std::vector<tagADDRNODE const*>& vNode);
+
+    // Replaces the tree by one of the current entries that the nodes refer to, unsorted. Always 1.
+    int MakeTreeFromNode(std::vector<tagADDRNODE const*>& vNode);
+
+    // Selects a prefecture, a city of it and a town of that by positions, and counts each list, modulo 65,536; the
+    // widths are constants (8, 16, 60). In the lists of the whole dictionary another prefecture begins at its first
+    // city, whichever is asked for. Returns 1; 0 for null and a negative position, when nothing is written, and for a
+    // position that is not there, when the counts below it are 0 and the widths stay. (In a tree nTown is not looked
+    // at, and the selection is taken even then.)
+    int GetAdrNum(int nPref, int nCity, int nTown, short* pnPref, short* pnCity, short* pnTown, short* pnPrefWidth,
+                  short* pnCityWidth, short* pnTownWidth);
+
+    // The names at a position of the lists, without the prefixes of their display names. Each fills its field with
+    // zeros behind the text; a text that fills the field has no NUL. Returns false for a null name and for a position
+    // that is not there; GetAtCity, though, true and an empty name for one that is not in a tree. *pnType is what
+    // GetShikugunType returns for the name, the length of the first part of a name in two parts; null asks for none.
+    bool GetAtPref(int nIndex, char* pszName, int nNameSize);
+    bool GetAtCity(int nIndex, char* pszName, int nNameSize, int* pnType);
+
+    // A town: its name, or that of the town it lies in; what lies below the town as the detail text, with its kind (0
+    // none, 1 a level-3 text, 3 an organisation, 4 a building and its floor); its old code and its code. Returns false
+    // for null and a negative position, when nothing is written, and for a position that is not there, when all are
+    // empty.
+    bool GetAtTown(int nIndex, char* pszTown, int nTownSize, char* pszDetail, int nDetailSize, char* pszCode5,
+                   int nCode5Size, char* pszCode7, int nCode7Size, char* pnDetailKind);
+
   private:
     friend struct CAddrDicPeek; // tests of state that no operation reads
 
     QEADRS_LOCAL void EmptyLists();
     QEADRS_LOCAL void KeepOfficeText();
+    QEADRS_LOCAL void KeepQuery(char const* pszCode, char const* pszAddr);
+    QEADRS_LOCAL int MakeTreeFromCode(char const* pszCode);
+    QEADRS_LOCAL bool CountTree(int nPref, int nCity, int nTown, short* pnPref, short* pnCity, short* pnTown);
+    QEADRS_LOCAL bool CountLists(int nPref, int nCity, int nTown, short* pnPref, short* pnCity, short* pnTown);
+    QEADRS_LOCAL void Select(int nPref, int nCity, int nTown);
+    QEADRS_LOCAL tagADDRPNT const* FindTown(int nIndex) const;
 
     unsigned char const* pImage;
     tagADDRNODE const* pNodeTable;

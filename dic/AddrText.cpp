@@ -30,14 +30,6 @@ CNodeRange ChildrenOrLevel(CAddrDic const& dic, unsigned long nParent, tagHEADER
                              : MakeRange(dic, HeaderWord(pImage, nFirst), HeaderWord(pImage, nCount));
 }
 
-// Length of the name when the text begins with the whole of it, else -1.
-long MatchName(char const* pszText, char const* pszName) {
-    char const* p = pszName;
-    for (; *p != '\0'; ++p, ++pszText)
-        if (*p != *pszText) return -1;
-    return static_cast<long>(p - pszName);
-}
-
 // Bytes that the text gives to a city name: the whole name, or the part up to its marker when the text begins with
 // that part or with what follows it. 0 when it begins with none of them.
 size_t MatchCity(char const* pszText, char const* pszName) {
@@ -109,6 +101,10 @@ void CollectEntries(CAddrDic const& dic, CImageText const& text, CSubtreeWalk& w
 // --- classification ------------------------------------------------------------------------------------------------
 
 unsigned short GetShikugunType(char const* pszName, unsigned short* pnType) {
+    return static_cast<unsigned short>(FrontPartLength(pszName, pnType));
+}
+
+size_t FrontPartLength(char const* pszName, unsigned short* pnType) {
     if (pszName == nullptr || pnType == nullptr) return 0;
     size_t const nLength = std::strlen(pszName);
     if (nLength < 3) return 0;
@@ -133,7 +129,7 @@ unsigned short GetShikugunType(char const* pszName, unsigned short* pnType) {
                       : nMarker == SUFFIX_SHIMA ? SHIKUGUN_SHIMA
                                                 : SHIKUGUN_CHO_MURA;
     }
-    return nMarkerPos == 0 ? 0 : static_cast<unsigned short>(nMarkerPos + 2);
+    return nMarkerPos == 0 ? 0 : nMarkerPos + 2;
 }
 
 // --- separation ----------------------------------------------------------------------------------------------------

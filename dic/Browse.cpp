@@ -10,7 +10,6 @@
 #include "dic/NameIndex.h"
 #include "dic/NodeEntry.h"
 #include "dic/NodeRange.h"
-#include "dic/SubtreeWalk.h"
 #include "dic/Suffix.h"
 
 #include <algorithm>
@@ -223,10 +222,6 @@ bool CAddrDic::GetTownExFromNo(unsigned long nCity, std::vector<tagADDR>& vAddr)
 
 void CAddrDic::recCollectNode(tagADDRNODE const* pNode, std::vector<tagADDRNODE const*>& vNode) {
     if (pNode == nullptr || pImage == nullptr) return;
-    struct CNothing {};
-    auto const Collect = [&](tagADDRNODE const& node, CNothing) {
-        if (HasCurrentEntry(*this, node)) vNode.push_back(&node);
-    };
-    Collect(*pNode, {});
-    CSubtreeWalk(*this).Below(*pNode, CNothing(), Collect);
+    CSubtreeWalk walk(*this);
+    CollectCurrent(*this, walk, *pNode, vNode);
 }

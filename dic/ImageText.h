@@ -10,6 +10,14 @@
 
 #include <cstring>
 
+// Length of the name when the text begins with the whole of it, else -1.
+inline long MatchName(char const* pszText, char const* pszName) {
+    char const* p = pszName;
+    for (; *p != '\0'; ++p, ++pszText)
+        if (*p != *pszText) return -1;
+    return static_cast<long>(p - pszName);
+}
+
 class CImageText {
   public:
     explicit CImageText(CAddrDic const& owner)

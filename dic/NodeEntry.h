@@ -4,6 +4,7 @@
 
 #include "dic/AddrDic.h"
 #include "dic/ImageText.h"
+#include "dic/SubtreeWalk.h"
 
 inline bool IsSuperseded(tagADDRINFO const& info) {
     return (info.nNode & ADDRINFO_SUPERSEDED) != 0;
@@ -13,6 +14,17 @@ inline bool IsSuperseded(tagADDRINFO const& info) {
 inline bool HasCurrentEntry(CAddrDic const& dic, tagADDRNODE const& node) {
     tagADDRINFO const* const pInfo = dic.GetAddrInfo(node.nInfo);
     return pInfo != nullptr && !IsSuperseded(*pInfo);
+}
+
+// Appends the node and all below it that have a current entry, parents first.
+inline void CollectCurrent(CAddrDic const& dic, CSubtreeWalk& walk, tagADDRNODE const& node,
+                           std::vector<tagADDRNODE const*>& vNode) {
+    struct CNothing {};
+    auto const Collect = [&](tagADDRNODE const& found, CNothing) {
+        if (HasCurrentEntry(dic, found)) vNode.push_back(&found);
+    };
+    Collect(node, {});
+    walk.Below(node, CNothing(), Collect);
 }
 
 // Writes the codes of the node's entry into the record; without an entry its fields stay.

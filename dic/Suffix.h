@@ -32,4 +32,7 @@ inline bool HoldsSuffix(char const* p, tagSUFFIX nSuffix) {
 size_t FindMarkerBackwards(char const* pszName, size_t nLength, std::initializer_list<tagSUFFIX> vMarker,
                            tagSUFFIX* pFound);
 
+// What GetShikugunType returns, whole: the length of the name's part up to and including its marker.
+size_t FrontPartLength(char const* pszName, unsigned short* pnType);
+
 #endif

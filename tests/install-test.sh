@@ -19,7 +19,8 @@ case $answer in
 *東京都*千代田区*千代田*) ;;
 *) echo "unexpected answer: $answer"; exit 1 ;;
 esac
-for header in dic/AddrDic.h dic/Addr.h dic/AddrNode.h tree/AddrPnt.h api/Pstexec.h platform/Win32Compat.h; do
+for header in dic/AddrDic.h dic/Addr.h dic/AddrNode.h tree/AddrPnt.h tree/DispTree.h api/Pstexec.h api/ga_legacy.h \
+    platform/Win32Compat.h; do
     found=$(find "$moved" -path "*/$header")
     [ -n "$found" ] || { echo "$header is not installed"; exit 1; }
 done

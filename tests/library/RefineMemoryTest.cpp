@@ -1,0 +1,87 @@
+// Refinement when memory runs out: the exception passes, and no query is taken for answered.
+#include "tests/library/TreeWorld.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+long nAllowed = -1; // allocations left, -1 for any number
+
+void* Allocate(size_t nSize) noexcept {
+    if (nAllowed == 0) return nullptr;
+    if (nAllowed > 0) --nAllowed;
+    return std::malloc(nSize == 0 ? 1 : nSize);
+}
+
+} // namespace
+
+// Those of the whole test program: the library's vectors are to run out of memory, too.
+void* operator new(size_t nSize) {
+    void* const p = Allocate(nSize);
+    if (p == nullptr) throw std::bad_alloc();
+    return p;
+}
+void* operator new(size_t nSize, std::nothrow_t const&) noexcept {
+    return Allocate(nSize);
+}
+void operator delete(void* p) noexcept {
+    std::free(p);
+}
+void operator delete(void* p, size_t) noexcept {
+    std::free(p);
+}
+void operator delete(void* p, std::nothrow_t const&) noexcept {
+    std::free(p);
+}
+
+namespace {
+
+// Whether a query was answered with so many allocations.
+bool IsAnswered(CTreeDic& dic, std::string strCode, std::string const& strAddr, long nAllocations) {
+    nAllowed = nAllocations;
+    bool bAnswered = true;
+    try {
+        dic.MakeRefineTree(strCode.data(), strAddr.c_str());
+    } catch (std::bad_alloc const&) {
+        bAnswered = false;
+    }
+    nAllowed = -1;
+    return bAnswered;
+}
+
+// Gives the query one allocation more each time until it is answered. Returns how often it was not.
+int RunOutOfMemory(std::string const& strCode, std::string const& strAddr) {
+    CTextWorld const world;
+    CTreeDic dic(world), reference(world);
+    CAddrDicPeek const peek(dic);
+    reference.Refine("183");
+    CLines const vEarlier = reference.TreeLines();
+    reference.Refine(strCode, strAddr);
+    CLines const vExpected = reference.TreeLines();
+    for (int n = 0;; ++n) {
+        dic.Refine("183");
+        if (IsAnswered(dic, strCode, strAddr, n)) {
+            EXPECT_EQ(dic.TreeLines(), vExpected);
+            return n;
+        }
+        EXPECT_STREQ(peek.szRefinePostCode, "-") << n;
+        EXPECT_STREQ(peek.szRefineAddr, "") << n;
+        dic.Refine("183");
+        EXPECT_EQ(dic.TreeLines(), vEarlier) << "the earlier query, after " << n;
+        IsAnswered(dic, strCode, strAddr, n);
+        dic.Refine(strCode, strAddr);
+        EXPECT_EQ(dic.TreeLines(), vExpected) << "the same query, after " << n;
+    }
+}
+
+TEST(RefinementOutOfMemory, OfACodeIsMadeAnewTheNextTime) {
+    EXPECT_GT(RunOutOfMemory("1", ""), 10);
+}
+
+TEST(RefinementOutOfMemory, OfAnAddressIsMadeAnewTheNextTime) {
+    EXPECT_GT(RunOutOfMemory("", "東京都"), 10);
+    EXPECT_GT(RunOutOfMemory("", "府中市x"), 3);
+}
+
+} // namespace

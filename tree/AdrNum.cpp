@@ -1,0 +1,236 @@
+// AdrNum.cpp - the lists behind a selection screen: how long they are, and what stands at a position.
+//
+// While the refinement tree holds something, the lists are its levels; else they are those of the whole dictionary.
+#include "dic/AddrDic.h"
+#include "dic/ImageHeader.h"
+#include "dic/ImageText.h"
+#include "dic/NodeEntry.h"
+#include "dic/NodeRange.h"
+#include "dic/UpwardWalk.h"
+#include "tree/TreeBuilder.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+namespace {
+
+// Bytes that a host needs for a name of each level.
+constexpr short PREF_WIDTH = 8;
+constexpr short CITY_WIDTH = 16;
+constexpr short TOWN_WIDTH = 60;
+
+// What display names begin with, and the lists show without.
+constexpr size_t PREF_PREFIX = 2; // the code
+constexpr size_t CITY_PREFIX = 1; // the letter of the kind
+
+// Kinds of a town's detail text.
+enum tagDETAIL : char { DETAIL_NONE = 0, DETAIL_AREA = 1, DETAIL_OFFICE = 3, DETAIL_BLOCK = 4 };
+
+// A caller's field of nSize bytes: a text that fills it has no NUL, a shorter one is followed by zeros.
+struct CField {
+    char* psz;
+    size_t nSize;
+
+    CField(char* pszField, int nLength) : psz(pszField), nSize(nLength < 0 ? 0 : static_cast<size_t>(nLength)) {}
+
+    void Clear() const { std::memset(psz, 0, nSize); }
+    size_t Length() const { return strnlen(psz, nSize); }
+    void Set(char const* pszText, size_t nLength) const {
+        nLength = std::min(nLength, nSize);
+        if (nLength != 0) std::memcpy(psz, pszText, nLength);
+        std::memset(psz + nLength, 0, nSize - nLength);
+    }
+    // In front of what is there, whose end goes when both do not fit.
+    void Prepend(char const* pszText, size_t nLength) const {
+        nLength = std::min(nLength, nSize);
+        size_t const nKept = std::min(Length(), nSize - nLength);
+        std::memmove(psz + nLength, psz, nKept);
+        std::memset(psz + nLength + nKept, 0, nSize - nLength - nKept);
+        if (nLength != 0) std::memcpy(psz, pszText, nLength);
+    }
+};
+
+void SetName(CImageText const& text, tagADDRNODE const* pNode, CField const& field) {
+    char const* const pszName = pNode == nullptr ? nullptr : text.At(pNode->nName);
+    if (pszName != nullptr) field.Set(pszName, text.Length(pszName));
+}
+
+// A display name without its prefix.
+void SetDisplayed(tagADDRPNT const& entry, size_t nPrefix, CField const& field) {
+    field.Set(entry.szName + nPrefix, strnlen(entry.szName + nPrefix, sizeof entry.szName - nPrefix));
+}
+
+// The entry at a position, null outside the list.
+tagADDRPNT const* At(std::vector<tagADDRPNT> const& vEntry, int nIndex) {
+    return nIndex >= 0 && static_cast<size_t>(nIndex) < vEntry.size() ? &vEntry[static_cast<size_t>(nIndex)]
+                                                                      : nullptr;
+}
+
+short Truncated(size_t n) {
+    return static_cast<short>(static_cast<uint16_t>(n));
+}
+
+std::vector<tagADDRPNT> MakeEntries(CAddrDic const& dic, CImageText const& text, CNodeRange const& range) {
+    std::vector<tagADDRPNT> vEntry;
+    for (uint32_t n = range.nFirst; n < range.nEnd; ++n) vEntry.push_back(MakeEntry(dic, text, *dic.GetAddrNode(n)));
+    std::sort(vEntry.begin(), vEntry.end());
+    return vEntry;
+}
+
+// What has a current entry below the city's children, and these themselves.
+std::vector<tagADDRPNT> MakeTownEntries(CAddrDic const& dic, CImageText const& text, tagADDRNODE const& city) {
+    CNodeRange const children = ChildrenOf(dic, city);
+    CSubtreeWalk walk(dic);
+    std::vector<tagADDRNODE const*> vNode;
+    for (uint32_t n = children.nFirst; n < children.nEnd; ++n) CollectCurrent(dic, walk, *dic.GetAddrNode(n), vNode);
+    std::vector<tagADDRPNT> vEntry;
+    for (tagADDRNODE const* const pNode : vNode) vEntry.push_back(MakeEntry(dic, text, *pNode));
+    std::sort(vEntry.begin(), vEntry.end());
+    return vEntry;
+}
+
+} // namespace
+
+// --- counts --------------------------------------------------------------------------------------------------------
+
+int CAddrDic::GetAdrNum(int nPref, int nCity, int nTown, short* pnPref, short* pnCity, short* pnTown,
+                        short* pnPrefWidth, short* pnCityWidth, short* pnTownWidth) {
+    for (short const* p : {pnPref, pnCity, pnTown, pnPrefWidth, pnCityWidth, pnTownWidth})
+        if (p == nullptr) return 0;
+    if (nPref < 0 || nCity < 0 || nTown < 0) return 0;
+    *pnPref = *pnCity = *pnTown = 0;
+    bool const bFound = vRefineTree.empty() ? CountLists(nPref, nCity, nTown, pnPref, pnCity, pnTown)
+                                            : CountTree(nPref, nCity, nTown, pnPref, pnCity, pnTown);
+    if (!bFound) return 0;
+    *pnPrefWidth = PREF_WIDTH;
+    *pnCityWidth = CITY_WIDTH;
+    *pnTownWidth = TOWN_WIDTH;
+    return 1;
+}
+
+bool CAddrDic::CountTree(int nPref, int nCity, int nTown, short* pnPref, short* pnCity, short* pnTown) {
+    Select(nPref, nCity, nTown); // also when it is not there
+    *pnPref = Truncated(vRefineTree.size());
+    tagADDRPNT const* const pPref = At(vRefineTree, nPref);
+    if (pPref == nullptr) return false;
+    *pnCity = Truncated(pPref->vChild.size());
+    if (nCity >= *pnCity) return false; // as the host sees the count
+    *pnTown = Truncated(pPref->vChild[static_cast<size_t>(nCity)].vChild.size());
+    return true;
+}
+
+bool CAddrDic::CountLists(int nPref, int nCity, int nTown, short* pnPref, short* pnCity, short* pnTown) {
+    if (pImage == nullptr) return false;
+    CImageText const text(*this);
+    vPrefPnt = MakeEntries(*this, text, PrefNodes(*this));
+    *pnPref = Truncated(HeaderWord(pImage, HDR_PREF_COUNT));
+    if (nSelPref != nPref || vCityPnt.empty()) {
+        tagADDRPNT const* const pPref = At(vPrefPnt, nPref);
+        if (pPref == nullptr) return false;
+        vCityPnt = MakeEntries(*this, text, ChildrenOf(*this, *pPref->pNode));
+        vTownPnt.clear();
+        if (vCityPnt.empty()) return false;
+        // Another prefecture begins at its first city, whichever was asked for.
+        vTownPnt = MakeTownEntries(*this, text, *vCityPnt[0].pNode);
+    } else if (nSelCity != nCity || vTownPnt.empty()) {
+        tagADDRPNT const* const pCity = At(vCityPnt, nCity);
+        *pnCity = Truncated(vCityPnt.size());
+        if (pCity == nullptr) return false;
+        vTownPnt = MakeTownEntries(*this, text, *pCity->pNode);
+    }
+    *pnCity = Truncated(vCityPnt.size());
+    *pnTown = Truncated(vTownPnt.size());
+    Select(nPref, nCity, nTown);
+    return true;
+}
+
+void CAddrDic::Select(int nPref, int nCity, int nTown) {
+    nSelPref = nPref;
+    nSelCity = nCity;
+    nSelTown = nTown;
+}
+
+// --- what stands at a position -------------------------------------------------------------------------------------
+
+bool CAddrDic::GetAtPref(int nIndex, char* pszName, int nNameSize) {
+    if (pszName == nullptr) return false;
+    CField const name(pszName, nNameSize);
+    name.Clear();
+    bool const bTree = !vRefineTree.empty();
+    tagADDRPNT const* const pEntry = At(bTree ? vRefineTree : vPrefPnt, nIndex);
+    if (pEntry == nullptr) return false;
+    if (bTree)
+        SetName(CImageText(*this), pEntry->pNode, name);
+    else
+        SetDisplayed(*pEntry, PREF_PREFIX, name);
+    return true;
+}
+
+// In a tree a city that is not there has an empty name; outside one it is a failure.
+bool CAddrDic::GetAtCity(int nIndex, char* pszName, int nNameSize, int* pnType) {
+    if (pszName == nullptr) return false;
+    CField const name(pszName, nNameSize);
+    name.Clear();
+    if (!vRefineTree.empty()) {
+        tagADDRPNT const* const pPref = At(vRefineTree, nSelPref);
+        tagADDRPNT const* const pEntry = pPref == nullptr ? nullptr : At(pPref->vChild, nIndex);
+        if (pEntry != nullptr) SetName(CImageText(*this), pEntry->pNode, name);
+    } else {
+        tagADDRPNT const* const pEntry = At(vCityPnt, nIndex);
+        if (pEntry == nullptr) return false;
+        SetDisplayed(*pEntry, CITY_PREFIX, name);
+    }
+    unsigned short nKind = SHIKUGUN_OTHER;
+    if (pnType != nullptr) *pnType = GetShikugunType(std::string(pszName, name.Length()).c_str(), &nKind);
+    return true;
+}
+
+tagADDRPNT const* CAddrDic::FindTown(int nIndex) const {
+    if (vRefineTree.empty()) return At(vTownPnt, nIndex);
+    tagADDRPNT const* const pPref = At(vRefineTree, nSelPref);
+    tagADDRPNT const* const pCity = pPref == nullptr ? nullptr : At(pPref->vChild, nSelCity);
+    return pCity == nullptr ? nullptr : At(pCity->vChild, nIndex);
+}
+
+bool CAddrDic::GetAtTown(int nIndex, char* pszTown, int nTownSize, char* pszDetail, int nDetailSize, char* pszCode5,
+                         int nCode5Size, char* pszCode7, int nCode7Size, char* pnDetailKind) {
+    for (char const* p : {pszTown, pszDetail, pszCode5, pszCode7, pnDetailKind})
+        if (p == nullptr) return false;
+    if (nIndex < 0) return false;
+    CField const town(pszTown, nTownSize), detail(pszDetail, nDetailSize);
+    CField const code5(pszCode5, nCode5Size), code7(pszCode7, nCode7Size);
+    for (CField const& field : {town, detail, code5, code7}) field.Clear();
+    *pnDetailKind = DETAIL_NONE;
+    tagADDRPNT const* const pEntry = FindTown(nIndex);
+    if (pEntry == nullptr || pEntry->pNode == nullptr) return false;
+
+    CImageText const text(*this);
+    SetName(text, pEntry->pNode, town);
+    tagADDR codes(0);
+    StoreCodes(*this, text, *pEntry->pNode, codes);
+    if (codes.pszPostCode != nullptr) code7.Set(codes.pszPostCode, text.Length(codes.pszPostCode));
+    if (codes.pszCodeExt != nullptr) code5.Set(codes.pszCodeExt, text.Length(codes.pszCodeExt));
+    for (CUpwardWalk walk(*this, pEntry->pNode); walk.Node() != nullptr; walk.Next()) {
+        tagADDRNODE const& node = *walk.Node();
+        if (node.nLevel == LEVEL_CITY || node.nParent == ADDR_NONE) break;
+        char const* const pszName = text.At(node.nName);
+        if (pszName == nullptr) continue;
+        size_t const nLength = text.Length(pszName);
+        if (node.nLevel == LEVEL_TOWN) town.Set(pszName, nLength);
+        bool const bDetail = *pnDetailKind != DETAIL_OFFICE; // below an organisation nothing else is told
+        if (node.nLevel == LEVEL_AREA && bDetail) {
+            detail.Set(pszName, nLength);
+            *pnDetailKind = DETAIL_AREA;
+        } else if (node.nLevel == LEVEL_BLOCK && bDetail) {
+            detail.Prepend(pszName, nLength);
+            *pnDetailKind = DETAIL_BLOCK;
+        } else if (node.nLevel == LEVEL_NOTE && bDetail) {
+            detail.Set(pszName, nLength);
+        } else if (node.nLevel == LEVEL_OFFICE) {
+            detail.Set(pszName, nLength);
+            *pnDetailKind = DETAIL_OFFICE;
+        }
+    }
+    return true;
+}
