@@ -2,7 +2,7 @@
 file(GLOB QEADRS_SOURCES CONFIGURE_DEPENDS
     ${CMAKE_SOURCE_DIR}/dic/*.[ch]* ${CMAKE_SOURCE_DIR}/tree/*.[ch]* ${CMAKE_SOURCE_DIR}/api/*.[ch]*
     ${CMAKE_SOURCE_DIR}/platform/*.[ch]* ${CMAKE_SOURCE_DIR}/builder/*.[ch]* ${CMAKE_SOURCE_DIR}/cli/*.[ch]*
-    ${CMAKE_SOURCE_DIR}/bench/*.[ch]*)
+    ${CMAKE_SOURCE_DIR}/bench/*.[ch]* ${CMAKE_SOURCE_DIR}/examples/*.c)
 file(GLOB_RECURSE QEADRS_TEST_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/*.cpp ${CMAKE_SOURCE_DIR}/tests/*.h)
 find_program(CLANG_FORMAT NAMES clang-format-14 clang-format)
 find_program(RUN_CLANG_TIDY NAMES run-clang-tidy-14 run-clang-tidy)

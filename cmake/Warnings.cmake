@@ -1,8 +1,9 @@
 # One set of warnings for all of our own code; third-party headers come in as SYSTEM and stay silent.
 add_library(qe_warnings INTERFACE)
 target_compile_options(qe_warnings INTERFACE
-    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wcast-align=strict
-    -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2 -Wduplicated-cond -Wlogical-op -Wundef)
+    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wcast-align=strict -Wformat=2
+    -Wduplicated-cond -Wlogical-op -Wundef
+    $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast;-Wnon-virtual-dtor;-Woverloaded-virtual>)
 if(QEADRS_WERROR)
     target_compile_options(qe_warnings INTERFACE -Werror)
 endif()
