@@ -13,6 +13,12 @@
 
 namespace qe {
 
+namespace {
+
+constexpr size_t CODE_DIGITS = 7;
+
+} // namespace
+
 CCommand::CCommand(CCommonOptions const& common, std::vector<std::string> vColumn, std::string strQuery)
     : m_bQuiet(common.bQuiet),
       m_strDic(common.strDic),
@@ -69,6 +75,18 @@ void CCommand::ReportNotFound(std::string_view strQuery, std::string const& strR
     m_nStatus = std::max(m_nStatus, EXIT_NOT_FOUND);
 }
 
+std::string ReadCode(std::string const& strText) {
+    std::string strCode = FoldCode(strText).value_or("");
+    if (!strCode.empty() && strCode.size() <= CODE_DIGITS) return strCode;
+    throw CFailure(EXIT_USAGE, Quote(strText) + " is no postal code: it has 1 to 7 digits.");
+}
+
+std::string ReadOldCode(std::string const& strText) {
+    std::string strCode = FoldCode(strText).value_or("");
+    if (strCode.size() == 3 || strCode.size() == 5) return strCode;
+    throw CFailure(EXIT_USAGE, Quote(strText) + " is no old postal code: it has 3 or 5 digits.");
+}
+
 std::string ReadAddressText(std::string const& strText) {
     std::string strAddress(Trim(strText));
     if (strAddress.empty()) throw CFailure(EXIT_USAGE, Quote(strText) + " is no address: it has no characters.");
@@ -77,11 +95,11 @@ std::string ReadAddressText(std::string const& strText) {
     return strAddress;
 }
 
-std::string ReadAddressField(std::string const& strText) {
+std::string ReadAddressField(std::string const& strText, size_t nLongest) {
     std::string strAddress = ReadAddressText(strText);
-    if (strAddress.size() <= ADDRESS_LENGTH) return strAddress;
+    if (strAddress.size() <= nLongest) return strAddress;
     throw CFailure(EXIT_USAGE, Quote(strAddress) + " has " + std::to_string(strAddress.size()) +
-                                   " bytes; an address field holds " + std::to_string(ADDRESS_LENGTH) + ".");
+                                   " bytes; an address field holds " + std::to_string(nLongest) + ".");
 }
 
 } // namespace qe

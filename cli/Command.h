@@ -7,6 +7,7 @@
 #ifndef QEADRS_CLI_COMMAND_H
 #define QEADRS_CLI_COMMAND_H
 
+#include "cli/ApiData.h"
 #include "cli/Dictionary.h"
 #include "cli/Failure.h"
 #include "cli/Output.h"
@@ -64,13 +65,18 @@ class CCommand {
     EExit m_nStatus = EXIT_FOUND;
 };
 
+// The digits of a postal code or of its leading part; of an old code. Throws CFailure with EXIT_USAGE when the text is
+// none.
+std::string ReadCode(std::string const& strText);
+std::string ReadOldCode(std::string const& strText);
+
 // An address as it was typed, without the blanks around it. Throws CFailure with EXIT_USAGE when nothing is left, and
 // when a NUL is in it: what stands behind one would not be read.
 std::string ReadAddressText(std::string const& strText);
 
-// The same for an address that has to fit the address field of the API's record. Throws CFailure with EXIT_USAGE when
+// The same for an address that has to fit into a field of nLongest bytes. Throws CFailure with EXIT_USAGE when
 // it does not: it would be cut.
-std::string ReadAddressField(std::string const& strText);
+std::string ReadAddressField(std::string const& strText, size_t nLongest = ADDRESS_LENGTH);
 
 } // namespace qe
 

@@ -162,17 +162,25 @@ bool CMapping::IsFile(std::string const& strFile) const {
            status.st_ino == m_status.st_ino;
 }
 
-CDictionary::CDictionary(std::optional<std::string> const& strDic)
+CDictionaryFile::CDictionaryFile(std::optional<std::string> const& strDic)
     : m_strFile(strDic ? FileOfOption(*strDic) : FileOfProfile()),
       m_mapping(m_strFile, (strDic ? "" : DescribeProfile() + "\n") + WAY_OUT) {
     CheckHeader(m_strFile, m_mapping.Bytes(), m_mapping.Size());
-    if (OpenThroughApi(strDic, m_strFile) != 0) throw CFailure(EXIT_SYSTEM, m_strFile + " cannot be opened.");
-    // An update renames a new file over the old one; between our opening and the API's that would give two editions.
-    if (!m_mapping.IsFile(m_strFile)) {
+}
+
+void CDictionaryFile::CheckUnchanged() const {
+    if (!m_mapping.IsFile(m_strFile)) throw CFailure(EXIT_SYSTEM, m_strFile + " has just been replaced. Try again.");
+}
+
+CDictionary::CDictionary(std::optional<std::string> const& strDic) : m_file(strDic) {
+    if (OpenThroughApi(strDic, m_file.Name()) != 0) throw CFailure(EXIT_SYSTEM, m_file.Name() + " cannot be opened.");
+    try {
+        m_file.CheckUnchanged();
+    } catch (CFailure const&) {
         PstAdrClose();
-        throw CFailure(EXIT_SYSTEM, m_strFile + " has just been replaced. Try again.");
+        throw;
     }
-    m_dic.SetDictionary(m_mapping.Bytes());
+    m_dic.SetDictionary(m_file.Bytes());
 }
 
 CDictionary::~CDictionary() {
@@ -189,13 +197,13 @@ void CDictionary::SetSortType(unsigned short nType) {
 
 bool CDictionary::Holds(char const* psz) const {
     auto const* const p = reinterpret_cast<unsigned char const*>(psz);
-    return psz != nullptr && p >= m_mapping.Bytes() && p < m_mapping.Bytes() + m_mapping.Size();
+    return psz != nullptr && p >= m_file.Bytes() && p < m_file.Bytes() + m_file.Size();
 }
 
 std::string CDictionary::Text(char const* psz) const {
     if (!Holds(psz)) return "";
-    auto const nOffset = static_cast<size_t>(reinterpret_cast<unsigned char const*>(psz) - m_mapping.Bytes());
-    return std::string(psz, strnlen(psz, m_mapping.Size() - nOffset));
+    auto const nOffset = static_cast<size_t>(reinterpret_cast<unsigned char const*>(psz) - m_file.Bytes());
+    return std::string(psz, strnlen(psz, m_file.Size() - nOffset));
 }
 
 } // namespace qe

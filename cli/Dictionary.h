@@ -40,6 +40,25 @@ class CMapping {
     unsigned char const* m_pStart = nullptr;
 };
 
+// The file that a command is to open, mapped and looked at.
+class CDictionaryFile {
+  public:
+    // Throws CFailure with what is wrong and the way out.
+    explicit CDictionaryFile(std::optional<std::string> const& strDic);
+
+    std::string const& Name() const { return m_strFile; }
+    unsigned char const* Bytes() const { return m_mapping.Bytes(); }
+    size_t Size() const { return m_mapping.Size(); }
+
+    // An update renames a new file over the old one; between our opening and another one's that would give two
+    // editions. Throws CFailure when it has happened.
+    void CheckUnchanged() const;
+
+  private:
+    std::string m_strFile;
+    CMapping m_mapping;
+};
+
 class CDictionary {
   public:
     // Throws CFailure with what is wrong and the way out.
@@ -60,8 +79,7 @@ class CDictionary {
     bool Holds(char const* psz) const;
 
   private:
-    std::string m_strFile;
-    CMapping m_mapping;
+    CDictionaryFile m_file;
     CAddrDic m_dic;
 };
 

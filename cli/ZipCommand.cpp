@@ -19,20 +19,8 @@ namespace qe {
 
 namespace {
 
-constexpr size_t CODE_DIGITS = 7;
 constexpr size_t COMMENT_SIZE = 128; // what PstAdrGetComment writes at most; it aborts on a longer name
 constexpr int COMMENT_OFFICE = 3;
-
-// The digits of a code. Throws CFailure when the text is no code.
-std::string ReadCode(std::string const& strText, bool bOld) {
-    std::string const strCode = FoldCode(strText).value_or("");
-    bool const bRight =
-        bOld ? strCode.size() == 3 || strCode.size() == 5 : !strCode.empty() && strCode.size() <= CODE_DIGITS;
-    if (bRight) return strCode;
-    throw CFailure(EXIT_USAGE,
-                   Quote(strText) + " is no " +
-                       (bOld ? "old postal code: it has 3 or 5 digits." : "postal code: it has 1 to 7 digits."));
-}
 
 // --- addresses -----------------------------------------------------------------------------------------------------
 
@@ -104,7 +92,9 @@ class CZipCommand : public CCommand {
         return AddressColumns(options.bKana);
     }
 
-    std::string ReadQuery(std::string const& strText) const override { return ReadCode(strText, m_options.bOld); }
+    std::string ReadQuery(std::string const& strText) const override {
+        return m_options.bOld ? ReadOldCode(strText) : ReadCode(strText);
+    }
 
     void Prepare() override { Dictionary().SetSortType(m_options.bSort ? SORT_ADDR : SORT_DICTIONARY); }
 

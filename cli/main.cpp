@@ -5,6 +5,7 @@
 #include "cli/FindCommand.h"
 #include "cli/LatestCommand.h"
 #include "cli/Output.h"
+#include "cli/RefineCommand.h"
 #include "cli/Text.h"
 #include "cli/ZipCommand.h"
 
@@ -60,6 +61,15 @@ constexpr char BROWSE_HELP[] =
     "those\n"
     "of `qeadrs zip`; --ui has postal code, old code, line, organisation.\n";
 
+constexpr char REFINE_HELP[] =
+    "Each prefecture, city and address on a line of its own, indented below what it lies in and sorted by name. An\n"
+    "address is its postal code, town and what stands below the town; one that two places of the dictionary refer "
+    "to\n"
+    "stands there twice. A code may be written as for `qeadrs zip`, an address as for `qeadrs find`, in 127 bytes;\n"
+    "names end after 60 bytes. A new city of a prefecture that is not the last one so far is listed there, but its\n"
+    "addresses below the last city of the last prefecture: so it is in the interface's tree. In JSON an object per\n"
+    "prefecture. How large the tree is is remarked on standard error.\n";
+
 // The help in our own words: a command is introduced by its name, and options are not followed by their relations.
 class CHelp : public CLI::Formatter {
   public:
@@ -84,14 +94,19 @@ class CHelp : public CLI::Formatter {
 };
 
 // What every command takes.
-void AddCommon(CLI::App& command, CCommonOptions& common) {
+void AddBasic(CLI::App& command, CCommonOptions& common) {
     command
         .add_option("-d,--dic", common.strDic, "dictionary, or the folder of a qeadrs.dic (default: the profile's)")
         ->type_name("FILE");
-    auto* const pJson = command.add_flag("--json", common.bJson, "one JSON object per line");
-    command.add_flag("--header", common.bHeader, "a first line that names the tab-separated columns")
-        ->excludes(pJson);
+    command.add_flag("--json", common.bJson, "one JSON object per line");
     command.add_flag("-q,--quiet", common.bQuiet, "no remarks, errors only");
+}
+
+// What every command takes that answers in columns.
+void AddCommon(CLI::App& command, CCommonOptions& common) {
+    AddBasic(command, common);
+    command.add_flag("--header", common.bHeader, "a first line that names the tab-separated columns")
+        ->excludes(command.get_option("--json"));
 }
 
 void AddZip(CLI::App& app, CZipOptions& options, CCommonOptions& common, EExit& nStatus) {
@@ -174,6 +189,25 @@ void AddBrowse(CLI::App& app, CBrowseOptions& options, CCommonOptions& common, E
     pBrowse->callback([&options, &common, &nStatus] { nStatus = RunBrowse(options, common); });
 }
 
+void AddRefine(CLI::App& app, CRefineOptions& options, CCommonOptions& common, EExit& nStatus) {
+    CLI::App* const pRefine =
+        app.add_subcommand("refine", "tree of what a partial code or address can mean")->group("Commands");
+    pRefine->add_option("--code", options.strCode, "beginning of a postal code")->type_name("TEXT");
+    pRefine
+        ->add_option("--addr", options.strAddr,
+                     "beginning of an address, when there is no code (neither: the whole dictionary)")
+        ->type_name("TEXT");
+    pRefine->add_option("--levels", options.nLevels, "1 prefectures, 2 and cities, 3 and addresses (default)")
+        ->check([](std::string const& strText) {
+            bool const bRight = strText == "1" || strText == "2" || strText == "3";
+            return bRight ? "" : Quote(strText) + " is no number of levels: it is 1, 2 or 3.";
+        })
+        ->type_name("N");
+    AddBasic(*pRefine, common);
+    pRefine->footer(std::string(REFINE_HELP) + EXIT_HELP);
+    pRefine->callback([&options, &common, &nStatus] { nStatus = RunRefine(options, common); });
+}
+
 int Run(int nArguments, char** ppszArgument) {
     CLI::App app("look up Japanese postal addresses", "qeadrs");
     app.formatter(std::make_shared<CHelp>());
@@ -191,12 +225,14 @@ int Run(int nArguments, char** ppszArgument) {
     CLatestOptions latestOptions;
     CFindOptions findOptions;
     CBrowseOptions browseOptions;
+    CRefineOptions refineOptions;
     EExit nStatus = EXIT_FOUND;
     AddZip(app, zipOptions, common, nStatus);
     AddAddr(app, addrOptions, common, nStatus);
     AddLatest(app, latestOptions, common, nStatus);
     AddFind(app, findOptions, common, nStatus);
     AddBrowse(app, browseOptions, common, nStatus);
+    AddRefine(app, refineOptions, common, nStatus);
     try {
         app.parse(nArguments, ppszArgument);
     } catch (CLI::ParseError const& error) {
