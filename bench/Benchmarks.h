@@ -43,6 +43,9 @@ void RegisterAddressText(CBench& bench, std::ostream& out);
 // Tells first how long the lists are, and throws when SQLite's are longer or shorter.
 void RegisterBrowsing(CBench& bench, std::ostream& out);
 
+// Tells first how large the trees are, and throws when the one put together entry by entry has another size.
+void RegisterRefining(CBench& bench, std::ostream& out);
+
 void RegisterOpenAndCompile(CBench& bench);
 
 // Starts the dictionary compiler; returns its peak memory and throws when it fails.

@@ -109,6 +109,7 @@ int Measure(CChildRunner& runner) {
     RegisterLookups(bench);
     RegisterAddressText(bench, std::cout);
     RegisterBrowsing(bench, std::cout);
+    RegisterRefining(bench, std::cout);
     RegisterOpenAndCompile(bench);
     CRatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
