@@ -7,7 +7,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -35,13 +34,6 @@ struct CTextField {
     explicit CTextField(char const (&szField)[N]) : szText{} { std::memcpy(szText, szField, N); }
     char szText[N + 1];
 };
-
-// The code text in its field, rewritten to what is left of it after normalising.
-template <size_t N>
-void Rewrite(char (&szField)[N], char const* pszCode) {
-    size_t const nLength = std::strlen(pszCode);
-    std::memcpy(szField, pszCode, std::min(nLength + 1, N));
-}
 
 // Bytes from a place in the record to the first NUL, modulo 256. A field that is full goes on into what follows it, as
 // far as the record goes.
@@ -110,7 +102,7 @@ template <size_t N>
 void Search(char (&szCode)[N], char const* pszAddr) {
     CTextField code(szCode);
     ga_legacy::dic.MakePostCode(code.szText);
-    Rewrite(szCode, code.szText);
+    std::memcpy(szCode, code.szText, N); // what stands behind the digits has not moved
     ga_legacy::dic.MakeRefineTree(code.szText, pszAddr);
 }
 

@@ -268,8 +268,8 @@ class QEADRS_API CAddrDic {
     int SeparateAddr(char const* pszAddr);
 
     // Replaces vNode by the nodes with a current entry that a text without a prefecture names: those of the cities
-    // whose names it is, or of their first children whose names begin the rest; when there is no such city or child,
-    // those of all cities that the text begins with. Always 0.
+    // whose names it is, or of their first children whose names begin the rest (one without a name begins every rest);
+    // when there is no such city or child, those of all cities that the text begins with. Always 0.
     int SearchCity2(char const* pszAddr, std::vector<tagADDRNODE const*>& vNode);
 
     // Replaces the tree by one of the current entries that the nodes refer to, unsorted. Always 1.

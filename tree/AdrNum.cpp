@@ -46,14 +46,13 @@ struct CField {
         nLength = std::min(nLength, nSize);
         size_t const nKept = std::min(Length(), nSize - nLength);
         std::memmove(psz + nLength, psz, nKept);
-        std::memset(psz + nLength + nKept, 0, nSize - nLength - nKept);
         if (nLength != 0) std::memcpy(psz, pszText, nLength);
     }
 };
 
 void SetName(CImageText const& text, tagADDRNODE const* pNode, CField const& field) {
     char const* const pszName = pNode == nullptr ? nullptr : text.At(pNode->nName);
-    if (pszName != nullptr) field.Set(pszName, text.Length(pszName));
+    field.Set(pszName, text.Length(pszName));
 }
 
 // A display name without its prefix.
@@ -63,8 +62,7 @@ void SetDisplayed(tagADDRPNT const& entry, size_t nPrefix, CField const& field) 
 
 // The entry at a position, null outside the list.
 tagADDRPNT const* At(std::vector<tagADDRPNT> const& vEntry, int nIndex) {
-    return nIndex >= 0 && static_cast<size_t>(nIndex) < vEntry.size() ? &vEntry[static_cast<size_t>(nIndex)]
-                                                                      : nullptr;
+    return static_cast<size_t>(nIndex) < vEntry.size() ? &vEntry[static_cast<size_t>(nIndex)] : nullptr;
 }
 
 short Truncated(size_t n) {
@@ -209,8 +207,8 @@ bool CAddrDic::GetAtTown(int nIndex, char* pszTown, int nTownSize, char* pszDeta
     SetName(text, pEntry->pNode, town);
     tagADDR codes(0);
     StoreCodes(*this, text, *pEntry->pNode, codes);
-    if (codes.pszPostCode != nullptr) code7.Set(codes.pszPostCode, text.Length(codes.pszPostCode));
-    if (codes.pszCodeExt != nullptr) code5.Set(codes.pszCodeExt, text.Length(codes.pszCodeExt));
+    code7.Set(codes.pszPostCode, text.Length(codes.pszPostCode));
+    code5.Set(codes.pszCodeExt, text.Length(codes.pszCodeExt));
     for (CUpwardWalk walk(*this, pEntry->pNode); walk.Node() != nullptr; walk.Next()) {
         tagADDRNODE const& node = *walk.Node();
         if (node.nLevel == LEVEL_CITY || node.nParent == ADDR_NONE) break;
