@@ -3,6 +3,7 @@
 
 #include "dic/ImageHeader.h"
 #include "tests/support/Peek.h"
+#include "tests/support/ProcessState.h"
 #include "tests/support/SystemWatch.h"
 #include "tests/support/TestProfile.h"
 
@@ -35,23 +36,6 @@ class DictionaryLocation : public testing::Test {
         dic.SetDictionary(nullptr);
         hDicFile = 0;
         nDicSize = 0;
-    }
-
-    static bool IsOpen(int hFile) { return fcntl(hFile, F_GETFD) != -1; }
-
-    // Whether a page of this process's memory is mapped.
-    static bool IsMapped(void const* p) {
-        auto const nPage = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-        unsigned char c = 0;
-        return mincore(const_cast<void*>(p), nPage, &c) == 0;
-    }
-
-    // Whether a file is mapped anywhere. After an munmap its place may be taken at once, by the sanitizers for one.
-    static bool IsFileMapped(std::string const& strPath) {
-        std::ifstream maps("/proc/self/maps");
-        for (std::string strLine; std::getline(maps, strLine);)
-            if (strLine.find(strPath) != std::string::npos) return true;
-        return false;
     }
 
     static std::string FirstTown() {

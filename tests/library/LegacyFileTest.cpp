@@ -1,6 +1,7 @@
 // Opening and closing through the legacy interface: the calls of the system, what each failure leaves behind, and the
 // state that hosts can look at.
 #include "tests/library/LegacyWorld.h"
+#include "tests/support/ProcessState.h"
 #include "tests/support/SystemWatch.h"
 
 #include <fcntl.h>
@@ -15,22 +16,6 @@ using testing::IsNull;
 
 class LegacyFile : public CLegacy {
   protected:
-    static bool IsOpen(int hFile) { return fcntl(hFile, F_GETFD) != -1; }
-
-    static bool IsMapped(void const* p) {
-        auto const nPage = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-        unsigned char c = 0;
-        return mincore(const_cast<void*>(p), nPage, &c) == 0;
-    }
-
-    // Whether a file is mapped anywhere. After an munmap its place may be taken at once, by the sanitizers for one.
-    static bool IsFileMapped(std::string const& strPath) {
-        std::ifstream maps("/proc/self/maps");
-        for (std::string strLine; std::getline(maps, strLine);)
-            if (strLine.find(strPath) != std::string::npos) return true;
-        return false;
-    }
-
     // What an open leaves behind that nobody is to give back: a test that opens twice does it itself.
     static void GiveBack(void const* p, size_t nSize, int hFile) {
         munmap(const_cast<void*>(p), nSize);

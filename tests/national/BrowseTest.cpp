@@ -245,11 +245,6 @@ TEST(BrowseWholeCountry, ListsNoTownBehindOneWhoseNameBeginsItsOwn) {
 
 // --- all addresses below a city ------------------------------------------------------------------------------------
 
-bool HasCurrentEntry(uint32_t nNode) {
-    uint32_t const nEntry = Official().Nodes()[nNode].nEntry;
-    return nEntry != NONE && !Official().Entries()[nEntry].bSuperseded;
-}
-
 // The nodes with a current entry below one, depth first, and what their records tell. A text stays for later siblings
 // of other levels.
 struct CBelow {
@@ -336,11 +331,6 @@ TEST(BrowseWholeCountry, ListsEveryCurrentEntryOnceBelowItsCityAndAgainForATownW
     size_t nCurrent = 0;
     for (CSlowReader::CEntry const& entry : Official().Entries()) nCurrent += !entry.bSuperseded;
     EXPECT_EQ(nEntries, nCurrent);
-}
-
-void recCollectBelow(uint32_t nNode, CNodes& vNode) {
-    if (HasCurrentEntry(nNode)) vNode.push_back(nNode);
-    for (uint32_t n : ChildrenOf(nNode)) recCollectBelow(n, vNode);
 }
 
 TEST(BrowseWholeCountry, CollectsTheNodesWithACurrentEntryBelowEveryPrefectureParentsFirst) {

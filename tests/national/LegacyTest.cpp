@@ -147,7 +147,7 @@ CBranches SortedBranches(CNodes const& vNode) {
 
 CBranches TownsOf(uint32_t nCity) {
     CNodes vNode;
-    for (uint32_t n : ChildrenOf(nCity)) recListCurrent(n, vNode);
+    for (uint32_t n : ChildrenOf(nCity)) recCollectBelow(n, vNode);
     return SortedBranches(vNode);
 }
 
@@ -332,7 +332,7 @@ TEST_F(LegacyScreens, ShowEveryPositionOfEveryPrefectureThatIsSearchedFor) {
     size_t nExpected = 0;
     for (uint32_t nPref : AllPrefectures()) {
         CNodes vNode;
-        recListCurrent(nPref, vNode);
+        recCollectBelow(nPref, vNode);
         nExpected += vNode.size();
     }
     EXPECT_EQ(Leaves(), nExpected);
@@ -385,7 +385,7 @@ TEST_F(LegacyScreens, ShowEveryPositionOfTheWholeDictionaryWithoutAQuestion) {
     EXPECT_EQ(nCities, Official().Word(20));
     size_t nExpected = 0; // all but the cities themselves
     for (uint32_t n = 0; n < Official().Nodes().size(); ++n)
-        nExpected += Official().Nodes()[n].nLevel > 1 && !Official().Nodes()[n].bAlias && NamesACurrentEntry(n);
+        nExpected += Official().Nodes()[n].nLevel > 1 && !Official().Nodes()[n].bAlias && HasCurrentEntry(n);
     EXPECT_EQ(nTowns, nExpected);
 }
 

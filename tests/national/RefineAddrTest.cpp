@@ -65,7 +65,7 @@ std::vector<CWay> WaysOf(CBranches const& tree) {
 std::map<uint32_t, std::vector<CWay>> WaysToCurrentEntries() {
     std::map<uint32_t, std::vector<CWay>> mapPref;
     for (uint32_t n = 0; n < Official().Nodes().size(); ++n) {
-        if (Official().Nodes()[n].bAlias || !NamesACurrentEntry(n)) continue;
+        if (Official().Nodes()[n].bAlias || !HasCurrentEntry(n)) continue;
         uint32_t const nPref = Official().Ancestor(n, 0), nLeaf = NodeOfItsEntry(n);
         mapPref[nPref].push_back({Official().Ancestor(nLeaf, 0), Official().Ancestor(nLeaf, 1), nLeaf});
     }
@@ -92,7 +92,7 @@ TEST(RefineWholeCountry, FindsForEveryPrefectureTheEntryOfEachOfItsNodesOnce) {
     for (CSlowReader::CEntry const& entry : Official().Entries()) nCurrent += !entry.bSuperseded;
     for (uint32_t n = 0; n < Official().Nodes().size(); ++n) { // those that name the entry of another node
         CSlowReader::CNode const& node = Official().Nodes()[n];
-        if (node.bAlias || !NamesACurrentEntry(n) || NodeOfItsEntry(n) == n) continue;
+        if (node.bAlias || !HasCurrentEntry(n) || NodeOfItsEntry(n) == n) continue;
         ++(node.nLevel == 1 ? nCities : nTowns);
     }
     PrintFigure("leaves of 47 prefectures", nLeaves);
@@ -171,7 +171,7 @@ size_t CheckTexts(CTexts const& vText) {
 
 size_t CurrentNodesBelow(uint32_t nNode) {
     CNodes vNode;
-    recListCurrent(nNode, vNode);
+    recCollectBelow(nNode, vNode);
     return vNode.size();
 }
 

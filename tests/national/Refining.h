@@ -166,18 +166,8 @@ inline CNodes Sorted(CNodes v) {
 
 // --- what a question finds -----------------------------------------------------------------------------------------
 
-inline bool NamesACurrentEntry(uint32_t nNode) {
-    uint32_t const nEntry = Official().Nodes()[nNode].nEntry;
-    return nEntry != NONE && !Official().Entries()[nEntry].bSuperseded;
-}
 inline uint32_t NodeOfItsEntry(uint32_t nNode) {
     return Official().Entries()[Official().Nodes()[nNode].nEntry].nNode;
-}
-
-// A node and all below it that name a current entry, parents first.
-inline void recListCurrent(uint32_t nNode, CNodes& vNode) {
-    if (NamesACurrentEntry(nNode)) vNode.push_back(nNode);
-    for (uint32_t n : ChildrenOf(nNode)) recListCurrent(n, vNode);
 }
 
 // What a text without a prefecture names. A town without a name begins every text.
@@ -193,12 +183,12 @@ inline CNodes NodesOfBareCity(std::string_view strText) {
             for (uint32_t nTown : ChildrenOf(nCity))
                 if (nFound == NONE && BeginsWith(strRest, Official().Nodes()[nTown].strName)) nFound = nTown;
         if (nFound != NONE)
-            recListCurrent(nFound, vNode);
+            recCollectBelow(nFound, vNode);
         else
             vPartly.push_back(nCity);
     }
     if (vNode.empty())
-        for (uint32_t nCity : vPartly) recListCurrent(nCity, vNode);
+        for (uint32_t nCity : vPartly) recCollectBelow(nCity, vNode);
     return vNode;
 }
 
@@ -206,7 +196,7 @@ inline CNodes NodesOfAddress(std::string_view strText) {
     CSeparated const found = Separate(strText);
     if (found.nPref == NONE) return NodesOfBareCity(strText);
     CNodes vNode;
-    recListCurrent(found.nCity == NONE ? found.nPref : found.nTown == NONE ? found.nCity : found.nTown, vNode);
+    recCollectBelow(found.nCity == NONE ? found.nPref : found.nTown == NONE ? found.nCity : found.nTown, vNode);
     return vNode;
 }
 

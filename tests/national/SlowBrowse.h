@@ -28,6 +28,18 @@ inline CNodes ChildrenOf(uint32_t nNode) {
     return vNode;
 }
 
+// Whether the node names a current entry.
+inline bool HasCurrentEntry(uint32_t nNode) {
+    uint32_t const nEntry = Official().Nodes()[nNode].nEntry;
+    return nEntry != NONE && !Official().Entries()[nEntry].bSuperseded;
+}
+
+// A node and all below it that name a current entry, parents first.
+inline void recCollectBelow(uint32_t nNode, CNodes& vNode) {
+    if (HasCurrentEntry(nNode)) vNode.push_back(nNode);
+    for (uint32_t n : ChildrenOf(nNode)) recCollectBelow(n, vNode);
+}
+
 inline CNodes AllPrefectures() {
     CNodes vNode;
     for (uint32_t n = 0; n < Official().Word(18); ++n) vNode.push_back(Official().Word(19) + n);
