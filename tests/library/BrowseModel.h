@@ -242,6 +242,7 @@ class CModel {
     bool GetAddrFromPostCode7(char const* pszCode, CModelRecords& vOut);
     bool GetAddrFromPostCode5(char const* pszCode, CModelRecords& vOut);
     bool DivideAddr(char const* pszText, CModelRecord& record) const;
+    CPlace SearchCode(std::string const& strCode) const;
 
     CPlaces vPref, vCity, vTown;
     int nSortType = 2;
@@ -264,7 +265,6 @@ class CModel {
     CPlace SeparateTown(std::string const& strText, size_t& nPos, CPlace nCity, CModelRecord& record) const;
     bool SearchCityEnds(std::string const& strName, CPlaces& vOut) const;
     bool SearchCityIndex(std::string const& strName, CPlaces& vOut) const;
-    CPlace SearchCode(std::string const& strCode) const;
     CModelRecord Address(CModelInfo const& info) const;
     CPlace CityOf(CModelInfo const& info) const;
 
