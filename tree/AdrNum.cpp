@@ -69,23 +69,31 @@ short Truncated(size_t n) {
     return static_cast<short>(static_cast<uint16_t>(n));
 }
 
-std::vector<tagADDRPNT> MakeEntries(CAddrDic const& dic, CImageText const& text, CNodeRange const& range) {
+using CNodes = std::vector<tagADDRNODE const*>;
+
+// A list of these nodes, sorted by display name.
+std::vector<tagADDRPNT> MakeEntries(CAddrDic const& dic, CImageText const& text, CNodes const& vNode) {
     std::vector<tagADDRPNT> vEntry;
-    for (uint32_t n = range.nFirst; n < range.nEnd; ++n) vEntry.push_back(MakeEntry(dic, text, *dic.GetAddrNode(n)));
+    vEntry.reserve(vNode.size());
+    for (tagADDRNODE const* const pNode : vNode) vEntry.push_back(MakeEntry(dic, text, *pNode));
     std::sort(vEntry.begin(), vEntry.end());
     return vEntry;
 }
 
-// What has a current entry below the city's children, and these themselves.
-std::vector<tagADDRPNT> MakeTownEntries(CAddrDic const& dic, CImageText const& text, tagADDRNODE const& city) {
-    CNodeRange const children = ChildrenOf(dic, city);
+CNodes NodesOf(CAddrDic const& dic, CNodeRange const& range) {
+    CNodes vNode;
+    vNode.reserve(range.Count());
+    for (uint32_t n = range.nFirst; n < range.nEnd; ++n) vNode.push_back(dic.GetAddrNode(n));
+    return vNode;
+}
+
+// The nodes of current entries below a city.
+CNodes TownsOf(CAddrDic const& dic, tagADDRNODE const& city) {
     CSubtreeWalk walk(dic);
-    std::vector<tagADDRNODE const*> vNode;
-    for (uint32_t n = children.nFirst; n < children.nEnd; ++n) CollectCurrent(dic, walk, *dic.GetAddrNode(n), vNode);
-    std::vector<tagADDRPNT> vEntry;
-    for (tagADDRNODE const* const pNode : vNode) vEntry.push_back(MakeEntry(dic, text, *pNode));
-    std::sort(vEntry.begin(), vEntry.end());
-    return vEntry;
+    CNodes vNode;
+    for (tagADDRNODE const* const pChild : NodesOf(dic, ChildrenOf(dic, city)))
+        CollectCurrent(dic, walk, *pChild, vNode);
+    return vNode;
 }
 
 } // namespace
@@ -121,21 +129,23 @@ bool CAddrDic::CountTree(int nPref, int nCity, int nTown, short* pnPref, short* 
 bool CAddrDic::CountLists(int nPref, int nCity, int nTown, short* pnPref, short* pnCity, short* pnTown) {
     if (pImage == nullptr) return false;
     CImageText const text(*this);
-    vPrefPnt = MakeEntries(*this, text, PrefNodes(*this));
+    vPrefPnt = MakeEntries(*this, text, NodesOf(*this, PrefNodes(*this)));
     *pnPref = Truncated(HeaderWord(pImage, HDR_PREF_COUNT));
     if (nSelPref != nPref || vCityPnt.empty()) {
         tagADDRPNT const* const pPref = At(vPrefPnt, nPref);
         if (pPref == nullptr) return false;
-        vCityPnt = MakeEntries(*this, text, ChildrenOf(*this, *pPref->pNode));
-        vTownPnt.clear();
-        if (vCityPnt.empty()) return false;
+        std::vector<tagADDRPNT> vCity = MakeEntries(*this, text, NodesOf(*this, ChildrenOf(*this, *pPref->pNode)));
+        std::vector<tagADDRPNT> vTown;
         // Another prefecture begins at its first city, whichever was asked for.
-        vTownPnt = MakeTownEntries(*this, text, *vCityPnt[0].pNode);
+        if (!vCity.empty()) vTown = MakeEntries(*this, text, TownsOf(*this, *vCity[0].pNode));
+        vCityPnt.swap(vCity); // both or, when memory runs out, none
+        vTownPnt.swap(vTown);
+        if (vCityPnt.empty()) return false;
     } else if (nSelCity != nCity || vTownPnt.empty()) {
         tagADDRPNT const* const pCity = At(vCityPnt, nCity);
         *pnCity = Truncated(vCityPnt.size());
         if (pCity == nullptr) return false;
-        vTownPnt = MakeTownEntries(*this, text, *pCity->pNode);
+        vTownPnt = MakeEntries(*this, text, TownsOf(*this, *pCity->pNode));
     }
     *pnCity = Truncated(vCityPnt.size());
     *pnTown = Truncated(vTownPnt.size());

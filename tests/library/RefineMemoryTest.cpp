@@ -1,4 +1,5 @@
-// Refinement when memory runs out: the exception passes, and no query is taken for answered.
+// Refinement and its lists when memory runs out: the exception passes, no query is taken for answered, and the lists
+// belong together.
 #include "tests/library/TreeWorld.h"
 
 #include <cstdlib>
@@ -37,17 +38,22 @@ void operator delete(void* p, std::nothrow_t const&) noexcept {
 
 namespace {
 
-// Whether a query was answered with so many allocations.
-bool IsAnswered(CTreeDic& dic, std::string strCode, std::string const& strAddr, long nAllocations) {
+// Whether so many allocations are enough.
+template <typename FCall>
+bool IsEnough(long nAllocations, FCall const& Call) {
     nAllowed = nAllocations;
-    bool bAnswered = true;
+    bool bEnough = true;
     try {
-        dic.MakeRefineTree(strCode.data(), strAddr.c_str());
+        Call();
     } catch (std::bad_alloc const&) {
-        bAnswered = false;
+        bEnough = false;
     }
     nAllowed = -1;
-    return bAnswered;
+    return bEnough;
+}
+
+bool IsAnswered(CTreeDic& dic, std::string strCode, std::string const& strAddr, long nAllocations) {
+    return IsEnough(nAllocations, [&] { dic.MakeRefineTree(strCode.data(), strAddr.c_str()); });
 }
 
 // Gives the query one allocation more each time until it is answered. Returns how often it was not.
@@ -82,6 +88,25 @@ TEST(RefinementOutOfMemory, OfACodeIsMadeAnewTheNextTime) {
 TEST(RefinementOutOfMemory, OfAnAddressIsMadeAnewTheNextTime) {
     EXPECT_GT(RunOutOfMemory("", "東京都"), 10);
     EXPECT_GT(RunOutOfMemory("", "府中市x"), 3);
+}
+
+TEST(ListsOutOfMemory, StayThoseOfTheSelection) {
+    CTextWorld const world;
+    CTreeDic dic(world);
+    CAddrDicPeek const peek(dic);
+    short n = 0;
+    auto const Select = [&](int nPref) { dic.GetAdrNum(nPref, 0, 0, &n, &n, &n, &n, &n, &n); };
+    Select(0);
+    CLines const vCity = Lines(peek.vCityPnt), vTown = Lines(peek.vTownPnt);
+    int nTries = 0;
+    for (; !IsEnough(nTries, [&] { Select(1); }); ++nTries) {
+        EXPECT_EQ(peek.nSelPref, 0) << nTries;
+        EXPECT_EQ(Lines(peek.vCityPnt), vCity) << nTries;
+        EXPECT_EQ(Lines(peek.vTownPnt), vTown) << nTries;
+    }
+    EXPECT_GT(nTries, 4);
+    EXPECT_EQ(peek.nSelPref, 1);
+    EXPECT_NE(Lines(peek.vCityPnt), vCity);
 }
 
 } // namespace
