@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -34,30 +35,31 @@ struct CField {
 
     CField(char* pszField, int nLength) : psz(pszField), nSize(nLength < 0 ? 0 : static_cast<size_t>(nLength)) {}
 
-    void Clear() const { std::memset(psz, 0, nSize); }
-    size_t Length() const { return strnlen(psz, nSize); }
-    void Set(char const* pszText, size_t nLength) const {
-        nLength = std::min(nLength, nSize);
-        if (nLength != 0) std::memcpy(psz, pszText, nLength);
+    void Set(std::string_view strText) const {
+        size_t const nLength = strText.copy(psz, nSize);
         std::memset(psz + nLength, 0, nSize - nLength);
     }
     // In front of what is there, whose end goes when both do not fit.
-    void Prepend(char const* pszText, size_t nLength) const {
-        nLength = std::min(nLength, nSize);
-        size_t const nKept = std::min(Length(), nSize - nLength);
-        std::memmove(psz + nLength, psz, nKept);
-        if (nLength != 0) std::memcpy(psz, pszText, nLength);
+    void Prepend(std::string_view strText) const {
+        size_t const nLength = std::min(strText.size(), nSize);
+        std::memmove(psz + nLength, psz, std::min(strnlen(psz, nSize), nSize - nLength));
+        strText.copy(psz, nLength);
     }
 };
 
-void SetName(CImageText const& text, tagADDRNODE const* pNode, CField const& field) {
-    char const* const pszName = pNode == nullptr ? nullptr : text.At(pNode->nName);
-    field.Set(pszName, text.Length(pszName));
+// A text of the image; null counts as "".
+std::string_view View(CImageText const& text, char const* psz) {
+    return std::string_view(psz, text.Length(psz));
+}
+
+std::string_view NameOf(CImageText const& text, tagADDRNODE const* pNode) {
+    return pNode == nullptr ? "" : View(text, text.At(pNode->nName));
 }
 
 // A display name without its prefix.
-void SetDisplayed(tagADDRPNT const& entry, size_t nPrefix, CField const& field) {
-    field.Set(entry.szName + nPrefix, strnlen(entry.szName + nPrefix, sizeof entry.szName - nPrefix));
+std::string_view ShownName(tagADDRPNT const& entry, size_t nPrefix) {
+    char const* const pszShown = entry.szName + nPrefix; // in its field, also behind a name of one byte
+    return std::string_view(pszShown, strnlen(pszShown, sizeof entry.szName - nPrefix));
 }
 
 // The entry at a position, null outside the list.
@@ -164,14 +166,11 @@ void CAddrDic::Select(int nPref, int nCity, int nTown) {
 bool CAddrDic::GetAtPref(int nIndex, char* pszName, int nNameSize) {
     if (pszName == nullptr) return false;
     CField const name(pszName, nNameSize);
-    name.Clear();
+    name.Set("");
     bool const bTree = !vRefineTree.empty();
     tagADDRPNT const* const pEntry = At(bTree ? vRefineTree : vPrefPnt, nIndex);
     if (pEntry == nullptr) return false;
-    if (bTree)
-        SetName(CImageText(*this), pEntry->pNode, name);
-    else
-        SetDisplayed(*pEntry, PREF_PREFIX, name);
+    name.Set(bTree ? NameOf(CImageText(*this), pEntry->pNode) : ShownName(*pEntry, PREF_PREFIX));
     return true;
 }
 
@@ -179,18 +178,19 @@ bool CAddrDic::GetAtPref(int nIndex, char* pszName, int nNameSize) {
 bool CAddrDic::GetAtCity(int nIndex, char* pszName, int nNameSize, int* pnType) {
     if (pszName == nullptr) return false;
     CField const name(pszName, nNameSize);
-    name.Clear();
+    name.Set("");
     if (!vRefineTree.empty()) {
         tagADDRPNT const* const pPref = At(vRefineTree, nSelPref);
         tagADDRPNT const* const pEntry = pPref == nullptr ? nullptr : At(pPref->vChild, nIndex);
-        if (pEntry != nullptr) SetName(CImageText(*this), pEntry->pNode, name);
+        if (pEntry != nullptr) name.Set(NameOf(CImageText(*this), pEntry->pNode));
     } else {
         tagADDRPNT const* const pEntry = At(vCityPnt, nIndex);
         if (pEntry == nullptr) return false;
-        SetDisplayed(*pEntry, CITY_PREFIX, name);
+        name.Set(ShownName(*pEntry, CITY_PREFIX));
     }
     unsigned short nKind = SHIKUGUN_OTHER;
-    if (pnType != nullptr) *pnType = GetShikugunType(std::string(pszName, name.Length()).c_str(), &nKind);
+    if (pnType != nullptr)
+        *pnType = GetShikugunType(std::string(pszName, strnlen(pszName, name.nSize)).c_str(), &nKind);
     return true;
 }
 
@@ -201,6 +201,30 @@ tagADDRPNT const* CAddrDic::FindTown(int nIndex) const {
     return pCity == nullptr ? nullptr : At(pCity->vChild, nIndex);
 }
 
+namespace {
+
+// What a level on the way up from a town's entry to the city tells of it.
+void TakeLevel(uint8_t nLevel, std::string_view strName, CField const& town, CField const& detail,
+               char& nDetailKind) {
+    if (nLevel == LEVEL_TOWN) town.Set(strName);
+    if (nLevel == LEVEL_OFFICE) {
+        detail.Set(strName);
+        nDetailKind = DETAIL_OFFICE;
+    }
+    if (nDetailKind == DETAIL_OFFICE) return; // where it stands is not told
+    if (nLevel == LEVEL_NOTE) detail.Set(strName);
+    if (nLevel == LEVEL_AREA) {
+        detail.Set(strName);
+        nDetailKind = DETAIL_AREA;
+    }
+    if (nLevel == LEVEL_BLOCK) {
+        detail.Prepend(strName);
+        nDetailKind = DETAIL_BLOCK;
+    }
+}
+
+} // namespace
+
 bool CAddrDic::GetAtTown(int nIndex, char* pszTown, int nTownSize, char* pszDetail, int nDetailSize, char* pszCode5,
                          int nCode5Size, char* pszCode7, int nCode7Size, char* pnDetailKind) {
     for (char const* p : {pszTown, pszDetail, pszCode5, pszCode7, pnDetailKind})
@@ -208,37 +232,21 @@ bool CAddrDic::GetAtTown(int nIndex, char* pszTown, int nTownSize, char* pszDeta
     if (nIndex < 0) return false;
     CField const town(pszTown, nTownSize), detail(pszDetail, nDetailSize);
     CField const code5(pszCode5, nCode5Size), code7(pszCode7, nCode7Size);
-    for (CField const& field : {town, detail, code5, code7}) field.Clear();
+    for (CField const& field : {town, detail, code5, code7}) field.Set("");
     *pnDetailKind = DETAIL_NONE;
     tagADDRPNT const* const pEntry = FindTown(nIndex);
     if (pEntry == nullptr || pEntry->pNode == nullptr) return false;
 
     CImageText const text(*this);
-    SetName(text, pEntry->pNode, town);
     tagADDR codes(0);
     StoreCodes(*this, text, *pEntry->pNode, codes);
-    code7.Set(codes.pszPostCode, text.Length(codes.pszPostCode));
-    code5.Set(codes.pszCodeExt, text.Length(codes.pszCodeExt));
+    code7.Set(View(text, codes.pszPostCode));
+    code5.Set(View(text, codes.pszCodeExt));
+    town.Set(NameOf(text, pEntry->pNode));
     for (CUpwardWalk walk(*this, pEntry->pNode); walk.Node() != nullptr; walk.Next()) {
-        tagADDRNODE const& node = *walk.Node();
-        if (node.nLevel == LEVEL_CITY || node.nParent == ADDR_NONE) break;
-        char const* const pszName = text.At(node.nName);
-        if (pszName == nullptr) continue;
-        size_t const nLength = text.Length(pszName);
-        if (node.nLevel == LEVEL_TOWN) town.Set(pszName, nLength);
-        bool const bDetail = *pnDetailKind != DETAIL_OFFICE; // below an organisation nothing else is told
-        if (node.nLevel == LEVEL_AREA && bDetail) {
-            detail.Set(pszName, nLength);
-            *pnDetailKind = DETAIL_AREA;
-        } else if (node.nLevel == LEVEL_BLOCK && bDetail) {
-            detail.Prepend(pszName, nLength);
-            *pnDetailKind = DETAIL_BLOCK;
-        } else if (node.nLevel == LEVEL_NOTE && bDetail) {
-            detail.Set(pszName, nLength);
-        } else if (node.nLevel == LEVEL_OFFICE) {
-            detail.Set(pszName, nLength);
-            *pnDetailKind = DETAIL_OFFICE;
-        }
+        if (walk.Node()->nLevel == LEVEL_CITY || walk.Node()->nParent == ADDR_NONE) break;
+        char const* const pszName = text.At(walk.Node()->nName);
+        if (pszName != nullptr) TakeLevel(walk.Node()->nLevel, View(text, pszName), town, detail, *pnDetailKind);
     }
     return true;
 }
