@@ -22,14 +22,10 @@
 #ifndef QEADRS_API_PSTEXEC_H
 #define QEADRS_API_PSTEXEC_H
 
+#include "dic/Export.h"
 #include "platform/Win32Compat.h"
 
 #include <stdint.h>
-
-#if !defined(QEADRS_API)
-#    define QEADRS_API __attribute__((visibility("default")))
-#    define QEADRS_LOCAL __attribute__((visibility("hidden")))
-#endif
 
 #ifdef __cplusplus
 extern "C" {

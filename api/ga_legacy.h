@@ -26,13 +26,10 @@
 #ifndef QEADRS_API_GA_LEGACY_H
 #define QEADRS_API_GA_LEGACY_H
 
+#include "dic/Export.h"
+
 #include <stddef.h>
 #include <stdint.h>
-
-#if !defined(QEADRS_API)
-#    define QEADRS_API __attribute__((visibility("default")))
-#    define QEADRS_LOCAL __attribute__((visibility("hidden")))
-#endif
 
 // Commands of GA_adr_exec.
 #define GA_OPEN 1

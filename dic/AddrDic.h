@@ -18,14 +18,10 @@
 
 #include "dic/Addr.h"
 #include "dic/AddrNode.h"
+#include "dic/Export.h"
 #include "tree/AddrPnt.h"
 
 #include <vector>
-
-#if !defined(QEADRS_API)
-#    define QEADRS_API __attribute__((visibility("default")))
-#    define QEADRS_LOCAL __attribute__((visibility("hidden")))
-#endif
 
 // Sort types (SetSortType): only SORT_ADDR changes anything.
 constexpr unsigned short SORT_DICTIONARY = 2; // results in dictionary order

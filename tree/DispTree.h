@@ -13,12 +13,8 @@
 #ifndef QEADRS_TREE_DISPTREE_H
 #define QEADRS_TREE_DISPTREE_H
 
+#include "dic/Export.h"
 #include "tree/AddrPnt.h"
-
-#if !defined(QEADRS_API)
-#    define QEADRS_API __attribute__((visibility("default")))
-#    define QEADRS_LOCAL __attribute__((visibility("hidden")))
-#endif
 
 // Writes the display name of a node into pszOut, at most nSize bytes; a name that fills them has no NUL. A prefecture:
 // its code and its name (the name alone when pref_order lacks it). A city: the letter 'a' to 'h' of its kind
