@@ -133,6 +133,7 @@ Try next (QE_PROFILE=$QE_PROFILE):
     $BIN/qeadrs addr 東京都千代田区千代田１－１   the code of an address
     $BIN/qeadrs find 東京都千代田区        all addresses that a text can stand for
     $BIN/qeadrs browse                     prefectures, cities and towns to pick from
+    $BIN/qeadrs refine --code 100-00       candidates for a partly typed code
     $BIN/qeadrs zip --json 9808485         for programs
     $BIN/qeadrs-dic info $DICTIONARY
     ./check.sh                             all tests
