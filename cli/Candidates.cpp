@@ -28,7 +28,8 @@ std::string Code(char const (&acField)[N]) {
 
 int Positive(int16_t nCount) {
     if (nCount >= 0) return nCount;
-    throw CFailure(EXIT_SYSTEM, "there are more candidates than a list has positions. Give more of the code.");
+    throw CFailure(EXIT_SYSTEM,
+                   "there are more candidates than a list has positions. Give more of the code or address.");
 }
 
 } // namespace
