@@ -8,8 +8,8 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <exception>
 #include <limits>
-#include <new>
 
 namespace ga_legacy {
 CAddrDic dic;
@@ -131,7 +131,7 @@ int ga_legacy_stsrt(GA_ADRSRT* pRequest, GA_ADRNUM* pCounts) {
     if (pRequest == nullptr || pCounts == nullptr) return 0;
     try {
         SearchAndCount(*pRequest, *pCounts);
-    } catch (std::bad_alloc const&) {
+    } catch (std::exception const&) {
         // No result is told anyway; the counts stay as they were.
     }
     pCounts->nMinus6 = pCounts->nMinus8 = -1;
@@ -150,7 +150,7 @@ int ga_legacy_gtdat(short nKind, GA_ADRFLD* pField) try {
     default:
         return 1;
     }
-} catch (std::bad_alloc const&) {
+} catch (std::exception const&) {
     return 1;
 }
 
