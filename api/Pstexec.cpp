@@ -12,6 +12,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <exception>
 #include <initializer_list>
 #include <limits>
 #include <new>
@@ -357,7 +358,7 @@ int GetAdrFromZip(char const* pszCode, HGLOBAL* phResult) try {
     std::vector<tagADDR> vAddr;
     dic.GetAddrFromPostCode7(pszCode, vAddr);
     return vAddr.empty() ? 1 : PackAddresses(vAddr, phResult);
-} catch (std::bad_alloc const&) {
+} catch (std::exception const&) {
     return 1;
 }
 
@@ -376,7 +377,7 @@ short PstAdrCity(void* pRecord, HGLOBAL* phResult) try {
         dic.GetAddrFromPostCode5(szOldCode.data(), vAddr);
     RemoveRepeatedCities(vAddr);
     return PackCities(vAddr, phResult);
-} catch (std::bad_alloc const&) {
+} catch (std::exception const&) {
     return 1;
 }
 
@@ -417,7 +418,7 @@ int GetAdrFromAdd(char const* pszText, HGLOBAL* phResult) try {
     std::vector<tagADDR> vAddr;
     dic.GetAddrFromAddrPart(pszText, vAddr);
     return vAddr.empty() ? 1 : PackAddresses(vAddr, phResult);
-} catch (std::bad_alloc const&) {
+} catch (std::exception const&) {
     return 1;
 }
 
@@ -432,7 +433,7 @@ uint32_t PstAdrRPrf(void* pRecord, HGLOBAL* phResult) try {
     else
         dic.GetPref(vAddr);
     return vAddr.empty() ? PST_NO_PREFECTURE : PackNames(vAddr, &tagADDR::pszPref, phResult);
-} catch (std::bad_alloc const&) {
+} catch (std::exception const&) {
     return 1;
 }
 
@@ -441,14 +442,14 @@ uint32_t PstAdrRCity(unsigned short nPref, HGLOBAL* phResult) try {
     std::vector<tagADDR> vAddr;
     dic.GetCityFromNo(nPref, vAddr);
     return PackNames(vAddr, &tagADDR::pszCity, phResult);
-} catch (std::bad_alloc const&) {
+} catch (std::exception const&) {
     return 1;
 }
 
 uint32_t PstAdrTown(unsigned short nCity, HGLOBAL* phResult) try {
     if (phResult == nullptr) return 1;
     return ListTowns(nCity, &tagADDR::pszCodeExt, &tagADDR::pszPostCode, phResult);
-} catch (std::bad_alloc const&) {
+} catch (std::exception const&) {
     return 1;
 }
 
@@ -457,7 +458,7 @@ uint32_t PstAdrRTown(unsigned short nCity, HGLOBAL* phResult) try {
     uint32_t const nStatus = ListTowns(nCity, &tagADDR::pszPostCode, &tagADDR::pszCodeExt, phResult);
     if (nStatus != 0) GlobalFree(*phResult); // unlike the others: its callers do not free a block they never saw
     return nStatus;
-} catch (std::bad_alloc const&) {
+} catch (std::exception const&) {
     return 1;
 }
 
@@ -466,7 +467,7 @@ uint32_t PstAdrRTownForUI(unsigned short nCity, HGLOBAL* phResult) try {
     std::vector<tagADDR> vAddr;
     dic.GetTownExFromNo(nCity, vAddr);
     return PackLines(vAddr, phResult);
-} catch (std::bad_alloc const&) {
+} catch (std::exception const&) {
     return 1;
 }
 

@@ -43,6 +43,12 @@
 #define GA_CITY 1
 #define GA_TOWN 2
 
+// Kinds of a town's detail text.
+#define GA_DETAIL_NONE 0
+#define GA_DETAIL_AREA 1     // a level-3 text
+#define GA_DETAIL_OFFICE 3   // an organisation
+#define GA_DETAIL_BUILDING 4 // a building and its floor
+
 #pragma pack(push, 1)
 
 // What to search for, and which prefecture, city and town are selected in what was found.
@@ -110,7 +116,7 @@ typedef struct GA_ADRNUM {
 //   379    2  abUnused379
 //   381    1  nDetailLength town: of acDetail
 //   382    4  abUnused382
-//   386    1  nDetailKind   town: 0 no detail, 1 level-3 text, 3 organisation, 4 building
+//   386    1  nDetailKind   town: GA_DETAIL_xxx
 //   387    5  acOldCode     town: old postal code
 //   392    1  abUnused392
 //   393    7  acCode        town: postal code

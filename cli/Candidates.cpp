@@ -11,19 +11,21 @@ namespace qe {
 
 namespace {
 
-// A text of the record: it ends at a NUL or with its field, and where that is within a character, before it.
+constexpr size_t LONGEST_CHARACTER = 4; // bytes in UTF-8
+
+// A field of the record: its text ends at a NUL or with it.
 template <size_t N>
-std::string Text(char const (&acField)[N]) {
-    std::string const strText(acField, strnlen(acField, N));
-    size_t nEnd = strText.size();
-    while (nEnd > 0 && nEnd + 4 > strText.size() && !IsUtf8(std::string_view(strText).substr(0, nEnd))) --nEnd;
-    return IsUtf8(std::string_view(strText).substr(0, nEnd)) ? strText.substr(0, nEnd) : strText;
+std::string Field(char const (&acField)[N]) {
+    return std::string(acField, strnlen(acField, N));
 }
 
-// A code, which fills its field.
+// A name: one that fills its field may have been cut within a character, which then goes.
 template <size_t N>
-std::string Code(char const (&acField)[N]) {
-    return std::string(acField, strnlen(acField, N));
+std::string Text(char const (&acField)[N]) {
+    std::string const strText = Field(acField);
+    for (size_t nCut = 0; strText.size() == N && nCut < LONGEST_CHARACTER; ++nCut)
+        if (std::string strWhole = strText.substr(0, N - nCut); IsUtf8(strWhole)) return strWhole;
+    return strText;
 }
 
 int Positive(int16_t nCount) {
@@ -76,8 +78,7 @@ std::string CCandidates::City(int n) {
 
 CCandidate CCandidates::Town(int n) {
     GA_ADRFLD const field = Get(GA_TOWN, n);
-    return {Code(field.acCode), Code(field.acOldCode), Text(field.acName), Text(field.acDetail),
-            static_cast<EDetail>(field.nDetailKind)};
+    return {Field(field.acCode), Field(field.acOldCode), Text(field.acName), Text(field.acDetail), field.nDetailKind};
 }
 
 GA_ADRFLD CCandidates::Get(short nKind, int n) {

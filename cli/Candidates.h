@@ -22,12 +22,9 @@ struct CCandidateCounts {
     int nPrefs, nCities, nTowns;
 };
 
-// Kinds of a detail text, as the record has them.
-enum class EDetail { None = 0, Area = 1, Office = 3, Building = 4 };
-
 struct CCandidate {
     std::string strCode, strOldCode, strTown, strDetail;
-    EDetail nDetail;
+    int nDetailKind; // GA_DETAIL_xxx
 };
 
 class CCandidates {

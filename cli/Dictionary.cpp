@@ -135,6 +135,14 @@ short OpenThroughApi(std::optional<std::string> const& strDic, std::string const
 
 } // namespace
 
+CApiOpening::CApiOpening(std::optional<std::string> const& strDic, std::string const& strFile) {
+    if (OpenThroughApi(strDic, strFile) != 0) throw CFailure(EXIT_SYSTEM, strFile + " cannot be opened.");
+}
+
+CApiOpening::~CApiOpening() {
+    PstAdrClose();
+}
+
 CMapping::CMapping(std::string const& strFile, std::string const& strHint) : m_status{} {
     auto const Missing = [&](std::string const& strReason) {
         return CFailure(EXIT_NO_DICTIONARY, "no dictionary: " + strFile + strReason + "\n" + strHint);
@@ -172,19 +180,9 @@ void CDictionaryFile::CheckUnchanged() const {
     if (!m_mapping.IsFile(m_strFile)) throw CFailure(EXIT_SYSTEM, m_strFile + " has just been replaced. Try again.");
 }
 
-CDictionary::CDictionary(std::optional<std::string> const& strDic) : m_file(strDic) {
-    if (OpenThroughApi(strDic, m_file.Name()) != 0) throw CFailure(EXIT_SYSTEM, m_file.Name() + " cannot be opened.");
-    try {
-        m_file.CheckUnchanged();
-    } catch (CFailure const&) {
-        PstAdrClose();
-        throw;
-    }
+CDictionary::CDictionary(std::optional<std::string> const& strDic) : m_file(strDic), m_api(strDic, m_file.Name()) {
+    m_file.CheckUnchanged();
     m_dic.SetDictionary(m_file.Bytes());
-}
-
-CDictionary::~CDictionary() {
-    PstAdrClose();
 }
 
 void CDictionary::SetSortType(unsigned short nType) {

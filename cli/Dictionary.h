@@ -59,11 +59,20 @@ class CDictionaryFile {
     CMapping m_mapping;
 };
 
+// The API's dictionary, open as long as the object lives: strFile, through a profile of our own for --dic.
+class CApiOpening {
+  public:
+    // Throws CFailure when it cannot be opened.
+    CApiOpening(std::optional<std::string> const& strDic, std::string const& strFile);
+    ~CApiOpening();
+    CApiOpening(CApiOpening const&) = delete;
+    CApiOpening& operator=(CApiOpening const&) = delete;
+};
+
 class CDictionary {
   public:
     // Throws CFailure with what is wrong and the way out.
     explicit CDictionary(std::optional<std::string> const& strDic);
-    ~CDictionary();
     CDictionary(CDictionary const&) = delete;
     CDictionary& operator=(CDictionary const&) = delete;
 
@@ -80,6 +89,7 @@ class CDictionary {
 
   private:
     CDictionaryFile m_file;
+    CApiOpening m_api;
     CAddrDic m_dic;
 };
 

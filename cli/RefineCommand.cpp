@@ -29,13 +29,13 @@ CObject TextOrNull(std::string const& strText) {
     return strText.empty() ? CObject() : CObject(strText);
 }
 
-char const* DetailName(EDetail nDetail) {
-    switch (nDetail) {
-    case EDetail::Area:
+char const* DetailName(int nDetailKind) {
+    switch (nDetailKind) {
+    case GA_DETAIL_AREA:
         return "area";
-    case EDetail::Office:
+    case GA_DETAIL_OFFICE:
         return "organisation";
-    case EDetail::Building:
+    case GA_DETAIL_BUILDING:
         return "building";
     default:
         return "";
@@ -64,7 +64,7 @@ class CTreeOutput {
                                                           {"old_code", TextOrNull(town.strOldCode)},
                                                           {"town", TextOrNull(town.strTown)},
                                                           {"detail", TextOrNull(town.strDetail)},
-                                                          {"detail_kind", TextOrNull(DetailName(town.nDetail))}});
+                                                          {"detail_kind", TextOrNull(DetailName(town.nDetailKind))}});
     }
     void EndPrefecture() {
         if (m_bJson) m_out << m_object.dump(-1, ' ', false, CObject::error_handler_t::replace) << '\n';

@@ -25,9 +25,7 @@ char const except_word[][EXCEPT_WORD_SIZE] = {
 // The children of the node with this index, or all nodes of a level when there is no such node.
 CNodeRange ChildrenOrLevel(CAddrDic const& dic, unsigned long nParent, tagHEADERWORD nFirst, tagHEADERWORD nCount) {
     if (tagADDRNODE const* const pParent = dic.GetAddrNode(nParent)) return ChildrenOf(dic, *pParent);
-    unsigned char const* const pImage = dic.GetDicPointer();
-    return pImage == nullptr ? CNodeRange{0, 0}
-                             : MakeRange(dic, HeaderWord(pImage, nFirst), HeaderWord(pImage, nCount));
+    return dic.GetDicPointer() == nullptr ? CNodeRange{0, 0} : LevelNodes(dic, nFirst, nCount);
 }
 
 // Bytes that the text gives to a city name: the whole name, or the part up to its marker when the text begins with

@@ -26,9 +26,14 @@ inline CNodeRange ChildrenOf(CAddrDic const& dic, tagADDRNODE const& node) {
     return MakeRange(dic, node.nFirstChild, node.nChildCount);
 }
 
-inline CNodeRange PrefNodes(CAddrDic const& dic) {
+// All nodes of a level, by the header words that tell the first one and their number. REQUIRES: an image is bound.
+inline CNodeRange LevelNodes(CAddrDic const& dic, tagHEADERWORD nFirst, tagHEADERWORD nCount) {
     unsigned char const* const pImage = dic.GetDicPointer();
-    return MakeRange(dic, HeaderWord(pImage, HDR_FIRST_PREF), HeaderWord(pImage, HDR_PREF_COUNT));
+    return MakeRange(dic, HeaderWord(pImage, nFirst), HeaderWord(pImage, nCount));
+}
+
+inline CNodeRange PrefNodes(CAddrDic const& dic) {
+    return LevelNodes(dic, HDR_FIRST_PREF, HDR_PREF_COUNT);
 }
 
 #endif

@@ -42,12 +42,24 @@ static int HasFound(void) {
     return field.nNameLength == 0;
 }
 
+static char const* DetailKind(int nKind) {
+    switch (nKind) {
+    case GA_DETAIL_AREA:
+        return "area";
+    case GA_DETAIL_OFFICE:
+        return "organisation";
+    case GA_DETAIL_BUILDING:
+        return "building";
+    default:
+        return "none";
+    }
+}
+
 static void PrintTown(int nTown) {
-    static char const* const KINDS[] = {"none", "area", "", "organisation", "building"};
     GA_ADRFLD const field = Get(GA_TOWN, nTown);
     PRINT_TEXT("    town: ", field.acName);
     PRINT_TEXT("      detail: ", field.acDetail);
-    printf("      kind of detail: %s\n", KINDS[field.nDetailKind]);
+    printf("      kind of detail: %s\n", DetailKind(field.nDetailKind));
     PRINT_TEXT("      postal code: ", field.acCode);
     PRINT_TEXT("      old code: ", field.acOldCode);
     printf("      lengths: %d %d %d %d\n", field.nNameLength, field.nDetailLength, field.nCodeLength,

@@ -32,9 +32,7 @@ class CCitySearch {
         : m_owner(owner), m_text(owner), m_walk(owner), m_vNode(vNode) {}
 
     void Search(char const* pszText) {
-        unsigned char const* const pImage = m_owner.GetDicPointer();
-        CNodeRange const cities =
-            MakeRange(m_owner, HeaderWord(pImage, HDR_FIRST_CITY), HeaderWord(pImage, HDR_CITY_COUNT));
+        CNodeRange const cities = LevelNodes(m_owner, HDR_FIRST_CITY, HDR_CITY_COUNT);
         for (uint32_t n = cities.nFirst; n < cities.nEnd; ++n) LookAt(*m_owner.GetAddrNode(n), pszText);
         if (!m_vNode.empty()) return;
         for (tagADDRNODE const* const pCity : m_vPartly) CollectCurrent(m_owner, m_walk, *pCity, m_vNode);
