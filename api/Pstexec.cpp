@@ -15,7 +15,6 @@
 #include <exception>
 #include <initializer_list>
 #include <limits>
-#include <new>
 #include <string>
 #include <vector>
 

@@ -17,7 +17,7 @@ class QeadrsAddr : public CliTest {
     }
     // The same over a dictionary of the test's own.
     CResult AddrIn(std::vector<CEntryText> const& vEntry, std::vector<std::string> vArgument) {
-        return Run(WithDic("addr", WriteDictionary(vEntry), std::move(vArgument)));
+        return AskIn(vEntry, "addr", std::move(vArgument));
     }
 };
 

@@ -27,14 +27,7 @@ class QeadrsBrowse : public CliTest {
 
     // The same over a dictionary of the test's own.
     CResult BrowseIn(std::vector<CEntryText> const& vEntry, std::vector<std::string> vArgument) {
-        return Run(WithDic("browse", WriteDictionary(vEntry), std::move(vArgument)));
-    }
-
-    // Nothing is printed and the status is 1; the remark is returned.
-    std::string Remark(CResult const& result) {
-        EXPECT_EQ(result.nStatus, 1);
-        EXPECT_EQ(result.strOut, "");
-        return result.strErr;
+        return AskIn(vEntry, "browse", std::move(vArgument));
     }
 };
 

@@ -97,6 +97,17 @@ CResult CliTest::AskOnTerminal(std::string const& strCommand, std::vector<std::s
     return RunOnTerminal(WithDic(strCommand, Sample(), std::move(vArgument)), strInput);
 }
 
+CResult CliTest::AskIn(std::vector<CEntryText> const& vEntry, std::string const& strCommand,
+                       std::vector<std::string> vArgument) {
+    return Run(WithDic(strCommand, WriteDictionary(vEntry), std::move(vArgument)));
+}
+
+std::string CliTest::Remark(CResult const& result, int nStatus) {
+    EXPECT_EQ(result.nStatus, nStatus);
+    EXPECT_EQ(result.strOut, "");
+    return result.strErr;
+}
+
 CResult CliTest::Zip(std::vector<std::string> vArgument, std::string const& strInput) {
     return Ask("zip", std::move(vArgument), strInput);
 }

@@ -47,6 +47,11 @@ class CliTest : public testing::Test {
     CResult Ask(std::string const& strCommand, std::vector<std::string> vArgument, std::string const& strInput = "");
     CResult AskOnTerminal(std::string const& strCommand, std::vector<std::string> vArgument,
                           std::string const& strInput = "");
+    // A command over a dictionary of the test's own.
+    CResult AskIn(std::vector<CEntryText> const& vEntry, std::string const& strCommand,
+                  std::vector<std::string> vArgument);
+    // Nothing is printed and the status is nStatus; the remark is returned.
+    static std::string Remark(CResult const& result, int nStatus = 1);
     // "zip" over the sample.
     CResult Zip(std::vector<std::string> vArgument, std::string const& strInput = "");
     CResult ZipOnTerminal(std::vector<std::string> vArgument, std::string const& strInput = "");

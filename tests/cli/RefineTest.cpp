@@ -22,14 +22,7 @@ class QeadrsRefine : public CliTest {
 
     // The same over a dictionary of the test's own.
     CResult RefineIn(std::vector<CEntryText> const& vEntry, std::vector<std::string> vArgument) {
-        return Run(WithDic("refine", WriteDictionary(vEntry), std::move(vArgument)));
-    }
-
-    // Nothing is printed and the status is nStatus; the remark is returned.
-    static std::string Remark(CResult const& result, int nStatus) {
-        EXPECT_EQ(result.nStatus, nStatus);
-        EXPECT_EQ(result.strOut, "");
-        return result.strErr;
+        return AskIn(vEntry, "refine", std::move(vArgument));
     }
 };
 

@@ -1,5 +1,6 @@
 // Searching and counting through the legacy interface: the request's two codes and its positions, and every byte of
 // both records.
+#include "dic/ImageHeader.h"
 #include "tests/library/LegacyWorld.h"
 
 namespace {
@@ -315,5 +316,20 @@ TEST_F(LegacySearch, TouchesNothingInFrontOfItsRecords) {
     EXPECT_TRUE(LooksLike(counts, expected));
     EXPECT_EQ(request.Text(1020, 8), "1000001");
 }
+
+#if defined(__i386__)
+// In 64 bits such a count is a matter of memory alone.
+TEST_F(LegacySearch, CountsNothingWhereThereAreMorePrefecturesThanAListCanHold) {
+    CBytes vByte = CLegacyWorld().Bytes();
+    uint32_t const nMany = 0x7FFFFFFF;
+    for (tagHEADERWORD nWord : {HDR_NODE_COUNT, HDR_PREF_COUNT}) std::memcpy(&vByte[4 * nWord], &nMany, sizeof nMany);
+    ga_legacy::dic.SetDictionary(vByte.data());
+    CCounts const counts(0x5A);
+    CPicture expected(counts.Bytes());
+    expected.Number(6, -1).Number(8, -1);
+    EXPECT_EQ(Search(CRequest(), counts), 0);
+    EXPECT_TRUE(LooksLike(counts, expected));
+}
+#endif
 
 } // namespace

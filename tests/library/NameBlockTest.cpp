@@ -1,5 +1,7 @@
 // PstAdrRPrf and PstAdrRCity: names with their lengths in front, byte for byte.
+#include "dic/ImageHeader.h"
 #include "tests/library/BrowseBlockWorld.h"
+#include "tests/library/Prefectures.h"
 
 namespace {
 
@@ -7,26 +9,18 @@ namespace {
 
 class PrefBlock : public BrowseBlock {};
 
-char const* const ALL_PREFECTURES[] = {
-    "北海道", "青森県", "岩手県", "宮城県",   "秋田県", "山形県",   "福島県", "茨城県", "栃木県", "群馬県",
-    "埼玉県", "千葉県", "東京都", "神奈川県", "新潟県", "富山県",   "石川県", "福井県", "山梨県", "長野県",
-    "岐阜県", "静岡県", "愛知県", "三重県",   "滋賀県", "京都府",   "大阪府", "兵庫県", "奈良県", "和歌山県",
-    "鳥取県", "島根県", "岡山県", "広島県",   "山口県", "徳島県",   "香川県", "愛媛県", "高知県", "福岡県",
-    "佐賀県", "長崎県", "熊本県", "大分県",   "宮崎県", "鹿児島県", "沖縄県",
-};
-
-// Those prefectures from the last to the first, without one of them.
+// All prefectures from the last to the first, without one of them.
 CTestImage Japan(std::string const& strWithout = "") {
     CTestImage image;
-    for (size_t n = std::size(ALL_PREFECTURES); n-- > 0;)
-        if (ALL_PREFECTURES[n] != strWithout) image.AddNode(LEVEL_PREF, ADDR_NONE, ALL_PREFECTURES[n], "ヨミ");
+    for (size_t n = std::size(PREFECTURES); n-- > 0;)
+        if (PREFECTURES[n] != strWithout) image.AddNode(LEVEL_PREF, ADDR_NONE, PREFECTURES[n], "ヨミ");
     image.Complete();
     return image;
 }
 
 TEST_F(PrefBlock, OfAFullDictionaryHas47NamesInTheOrderOfTheirNumbers) {
     Bind(Japan());
-    EXPECT_EQ(Prefectures(), Names(std::vector<std::string>(std::begin(ALL_PREFECTURES), std::end(ALL_PREFECTURES))));
+    EXPECT_EQ(Prefectures(), Names(std::vector<std::string>(std::begin(PREFECTURES), std::end(PREFECTURES))));
 }
 
 TEST_F(PrefBlock, HasKanagawaAsEntry13WithItsTwelveBytes) {
@@ -40,7 +34,7 @@ TEST_F(PrefBlock, HasKanagawaAsEntry13WithItsTwelveBytes) {
 
 TEST_F(PrefBlock, HasALengthOfZeroForAPrefectureThatTheDictionaryLacks) {
     Bind(Japan("東京都"));
-    std::vector<std::string> vName(std::begin(ALL_PREFECTURES), std::end(ALL_PREFECTURES));
+    std::vector<std::string> vName(std::begin(PREFECTURES), std::end(PREFECTURES));
     vName[TOKYO] = "";
     EXPECT_EQ(Prefectures(), Names(vName));
 }
@@ -328,5 +322,19 @@ TEST_F(CityNameBlock, CountsModulo65536ButHoldsAll) {
     EXPECT_EQ(vBlock, Names(std::vector<std::string>(65537, "C")));
     EXPECT_THAT(CBlockBytes(vBlock.begin(), vBlock.begin() + 2), ElementsAre(1, 0));
 }
+
+#if defined(__i386__)
+// In 64 bits such a count is a matter of memory alone.
+TEST_F(PrefBlock, OfMorePrefecturesThanAListCanHoldIsNone) {
+    std::vector<unsigned char> vByte = Japan().Bytes();
+    uint32_t const nMany = 0x7FFFFFFF;
+    for (tagHEADERWORD nWord : {HDR_NODE_COUNT, HDR_PREF_COUNT}) std::memcpy(&vByte[4 * nWord], &nMany, sizeof nMany);
+    dic.SetDictionary(vByte.data());
+    char szRecord[24] = {};
+    HGLOBAL h = Untouched();
+    EXPECT_EQ(PstAdrRPrf(szRecord, &h), 1u);
+    EXPECT_EQ(h, Untouched());
+}
+#endif
 
 } // namespace
