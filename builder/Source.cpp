@@ -1,20 +1,12 @@
-// Source.cpp - reading the official tables.
+// Source.cpp - the texts and rows of the official tables, from bytes.
 #include "builder/Source.h"
 
 #include "builder/Error.h"
 #include "builder/Text.h"
 #include "dic/AddrDic.h"
 
-#include <sys/stat.h>
-#include <zip.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <ctime>
-#include <fstream>
 #include <iterator>
-#include <memory>
 
 namespace qe {
 
@@ -22,65 +14,6 @@ namespace {
 
 constexpr size_t TOWN_COLUMNS = 15;
 constexpr size_t OFFICE_COLUMNS = 13;
-constexpr size_t SIZE_LIMIT = 512u << 20; // no table is a tenth of it: a guard against decompression bombs
-
-[[noreturn]] void FailFile(std::string const& strPath, std::string const& strWhat) {
-    throw CBuildError(strPath + ": " + strWhat);
-}
-
-bool EndsWithoutCase(std::string_view str, std::string_view strTail) {
-    return str.size() >= strTail.size() &&
-           std::equal(strTail.begin(), strTail.end(), str.end() - static_cast<std::ptrdiff_t>(strTail.size()),
-                      [](char a, char b) { return (a | 0x20) == (b | 0x20); });
-}
-
-std::string ReadPlainFile(std::string const& strPath) {
-    struct stat status = {};
-    if (stat(strPath.c_str(), &status) != 0) FailFile(strPath, std::strerror(errno));
-    if (S_ISDIR(status.st_mode)) FailFile(strPath, "this is a directory; name a zip or CSV file in it.");
-    std::ifstream file(strPath, std::ios::binary);
-    std::string strBytes;
-    for (std::vector<char> vPart(1u << 20); file && strBytes.size() <= SIZE_LIMIT;) {
-        file.read(vPart.data(), static_cast<std::streamsize>(vPart.size()));
-        strBytes.append(vPart.data(), static_cast<size_t>(file.gcount()));
-    }
-    if (strBytes.size() > SIZE_LIMIT) FailFile(strPath, "is too large to be a postal table.");
-    if (!file.eof()) FailFile(strPath, "cannot be read.");
-    return strBytes;
-}
-
-// The one member of the zip that is a table, and its month.
-std::string ReadZipMember(std::string const& strPath, std::string& strMember, uint32_t& nEdition) {
-    int nError = 0;
-    std::unique_ptr<zip_t, decltype(&zip_discard)> const pZip(zip_open(strPath.c_str(), ZIP_RDONLY, &nError),
-                                                              &zip_discard);
-    if (pZip == nullptr) FailFile(strPath, "is cut off or damaged: it cannot be opened as a zip file.");
-    zip_stat_t status;
-    zip_int64_t nFound = -1;
-    for (zip_int64_t n = 0; n < zip_get_num_entries(pZip.get(), 0); ++n) {
-        if (zip_stat_index(pZip.get(), static_cast<zip_uint64_t>(n), 0, &status) != 0) continue;
-        if (!EndsWithoutCase(status.name, ".csv")) continue;
-        if (nFound >= 0) FailFile(strPath, "holds more than one CSV file; unpack it and name the right one.");
-        nFound = n;
-    }
-    if (nFound < 0) FailFile(strPath, "holds no CSV file.");
-    zip_stat_index(pZip.get(), static_cast<zip_uint64_t>(nFound), 0, &status);
-    if (status.size > SIZE_LIMIT) FailFile(strPath, "its CSV file is too large to be a postal table.");
-    strMember = status.name;
-    std::tm date = {};
-    localtime_r(&status.mtime, &date); // zip dates are local times, and libzip read it as one
-    nEdition = static_cast<uint32_t>((date.tm_year + 1900) * 10000 + (date.tm_mon + 1) * 100);
-    std::unique_ptr<zip_file_t, decltype(&zip_fclose)> const pFile(
-        zip_fopen_index(pZip.get(), static_cast<zip_uint64_t>(nFound), 0), &zip_fclose);
-    std::string strBytes(status.size, '\0');
-    if (pFile == nullptr ||
-        zip_fread(pFile.get(), strBytes.data(), status.size) != static_cast<zip_int64_t>(status.size))
-        FailFile(strPath, "its member " + strMember + " is damaged.");
-    char cMore;
-    if (zip_fread(pFile.get(), &cMore, 1) != 0) // the end of the member is where its checksum is compared
-        FailFile(strPath, "its member " + strMember + " is damaged: the checksum differs.");
-    return strBytes;
-}
 
 size_t LineOf(std::string_view str, size_t nPos) {
     return static_cast<size_t>(std::count(str.begin(), str.begin() + static_cast<std::ptrdiff_t>(nPos), '\n')) + 1;
@@ -90,19 +23,14 @@ size_t LineOf(std::string_view str, size_t nPos) {
     throw CBuildError(source.Name() + ":" + std::to_string(nLine) + ": " + strWhat);
 }
 
-CSource ReadBytes(std::string const& strPath) {
-    CSource source;
-    source.strPath = strPath;
-    source.strText = ReadPlainFile(strPath);
-    if (BeginsWith(source.strText, "PK")) source.strText = ReadZipMember(strPath, source.strMember, source.nEdition);
-    if (source.strText.empty()) FailFile(source.Name(), "is empty.");
+void CheckText(CSource const& source) {
+    if (source.strText.empty()) throw CBuildError(source.Name() + ": is empty.");
     size_t const nNul = source.strText.find('\0');
     if (nNul != std::string::npos)
         FailLine(source, LineOf(source.strText, nNul), "a NUL byte: this is no text file.");
     if (source.strText.back() != '\n')
         FailLine(source, LineOf(source.strText, source.strText.size()),
                  "the file is cut off within this line; get it again.");
-    return source;
 }
 
 bool IsDigits(std::string_view str, size_t nLength) {
@@ -149,7 +77,9 @@ CTownRow MakeTownRow(CLineReader const& reader, std::vector<std::string> const& 
     row.strCity = vField[7];
     row.strTown = vField[8];
     CheckRow(reader, row.strJis, row.strPref, row.strCode, row.strOldCode);
+    if (row.strPrefKana.empty()) reader.Fail("the prefecture has no reading.");
     if (row.strCity.empty()) reader.Fail("the city is empty.");
+    if (row.strCityKana.empty()) reader.Fail("the city has no reading.");
     if (row.strTown.empty()) reader.Fail("the town is empty.");
     return row;
 }
@@ -193,8 +123,8 @@ std::string CSource::Name() const {
     return strMember.empty() ? strPath : strPath + "(" + strMember + ")";
 }
 
-CSource ReadSource(std::string const& strPath) {
-    CSource source = ReadBytes(strPath);
+CSource DecodeSource(CSource source) {
+    CheckText(source);
     if (BeginsWith(source.strText, "\xEF\xBB\xBF")) source.strText.erase(0, 3);
     size_t const nBadUtf8 = FindInvalidUtf8(source.strText);
     if (nBadUtf8 != std::string::npos) {
@@ -213,8 +143,8 @@ CSource ReadSource(std::string const& strPath) {
     return source;
 }
 
-CSource ReadEucSource(std::string const& strPath) {
-    CSource source = ReadBytes(strPath);
+CSource DecodeEucSource(CSource source) {
+    CheckText(source);
     std::string strUtf8;
     size_t nBad = 0;
     if (!ConvertToUtf8(source.strText, "EUC-JISX0213", strUtf8, &nBad))
@@ -300,6 +230,7 @@ std::vector<COfficeRow> ReadOfficeTable(CSource const& source) {
         row.strOldCode = vField[8];
         CheckRow(reader, vField[0], row.strPref, row.strCode, row.strOldCode);
         if (row.strName.empty()) reader.Fail("the organisation has no name.");
+        if (row.strKana.empty()) reader.Fail("the organisation has no reading.");
         vRow.push_back(std::move(row));
     }
     return vRow;

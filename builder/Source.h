@@ -31,6 +31,10 @@ CSource ReadSource(std::string const& strPath);
 // The same for a text known to be EUC-JIS-2004.
 CSource ReadEucSource(std::string const& strPath);
 
+// The same two for bytes at hand: strText holds them as they were read, strPath and strMember what to name them.
+CSource DecodeSource(CSource source);
+CSource DecodeEucSource(CSource source);
+
 // Reads a source line by line.
 class CLineReader {
   public:

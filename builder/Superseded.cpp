@@ -112,7 +112,8 @@ void CCompiler::PlaceSuperseded() {
         }
     }
     // A city that is gone without a nameless town refers to its first town: no list of today's cities holds it then.
-    for (size_t n = m_vCity.size() - m_statistics.Get("superseded_cities"); n < m_vCity.size(); ++n)
+    size_t const nGone = static_cast<size_t>(m_statistics.Get("superseded_cities"));
+    for (size_t n = m_vCity.size() - nGone; n < m_vCity.size(); ++n)
         OfferDefault(m_vCity[n], m_vCity[n].pPlace->vChild.front(), false);
 }
 

@@ -8,7 +8,7 @@ PACKAGES_BUILD="ca-certificates cmake g++ libcli11-dev libcurl4-openssl-dev libi
 PACKAGES_CHECK="binutils clang-format-14 git g++-multilib googletest libbenchmark-dev libsqlite3-dev libutf8proc-dev
     skkdic-extra unzip"
 # Of the foreign architecture, for the 32-bit platform layer.
-PACKAGES_I386="libinih-dev:i386"
+PACKAGES_I386="libinih-dev:i386 libutf8proc-dev:i386"
 
 say() { printf '\n==> %s\n' "$*"; }
 fail() { printf '\nERROR: %s\n' "$*" >&2; exit 1; }

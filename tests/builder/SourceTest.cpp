@@ -407,6 +407,18 @@ TEST_F(Source, ATownRowWithoutACityIsRefused) {
     EXPECT_EQ(TownError(Line(CHIYODA) + Line(town)), ":2: the city is empty.");
 }
 
+TEST_F(Source, ARowWithoutTheReadingOfItsPrefectureIsRefused) {
+    std::string strLine = Line(OTEMACHI);
+    strLine.erase(strLine.find("ケン"), std::string("ケン").size());
+    EXPECT_EQ(TownError(Line(CHIYODA) + strLine), ":2: the prefecture has no reading.");
+}
+
+TEST_F(Source, ARowWithoutTheReadingOfItsCityIsRefused) {
+    std::string strLine = Line(OTEMACHI);
+    strLine.erase(strLine.find("\"シ\"") + 1, std::string("シ").size());
+    EXPECT_EQ(TownError(Line(CHIYODA) + strLine), ":2: the city has no reading.");
+}
+
 TEST_F(Source, ATownRowWithoutATownIsRefused) {
     CTown town = OTEMACHI;
     town.strTown = "";
@@ -460,6 +472,12 @@ TEST_F(Source, AnOfficeMayLackItsTownAndItsRest) {
 TEST_F(Source, AnOfficeWithoutANameIsRefused) {
     EXPECT_EQ(OfficeError(Line(COffice{"", "東京都", "千代田区", "千代田", "１", "1008111"})),
               ":1: the organisation has no name.");
+}
+
+TEST_F(Source, AnOfficeWithoutAReadingIsRefused) {
+    std::string strLine = Line(COffice{"役場", "東京都", "千代田区", "千代田", "１", "1008111"});
+    strLine.erase(strLine.find("ﾅﾏｴ"), std::string("ﾅﾏｴ").size());
+    EXPECT_EQ(OfficeError(strLine), ":1: the organisation has no reading.");
 }
 
 TEST_F(Source, AnOfficeRowWithAWrongCodeIsRefused) {
