@@ -2,19 +2,26 @@
 //
 //   for (CUpwardWalk walk(dic, nNode); walk.Node() != nullptr; walk.Next()) ...
 //
-// A chain that meets more nodes than the image has goes in a circle (only a damaged dictionary's does), and ends.
+// A chain that meets more nodes than the image has goes in a circle, and ends; so does one of hundreds of nodes, where
+// eight levels are all that there are. Only a damaged dictionary has either.
 #ifndef QEADRS_DIC_UPWARDWALK_H
 #define QEADRS_DIC_UPWARDWALK_H
 
 #include "dic/AddrDic.h"
 #include "dic/ImageHeader.h"
 
+#include <algorithm>
+
 class CUpwardWalk {
   public:
+    static constexpr uint32_t MAX_STEPS = 256;
+
     CUpwardWalk(CAddrDic const& owner, tagADDRNODE const* pNode)
         : m_owner(owner),
           m_pNode(pNode),
-          m_nLeft(owner.GetDicPointer() == nullptr ? 0 : HeaderWord(owner.GetDicPointer(), HDR_NODE_COUNT)) {}
+          m_nLeft(owner.GetDicPointer() == nullptr
+                      ? 0
+                      : std::min(HeaderWord(owner.GetDicPointer(), HDR_NODE_COUNT), MAX_STEPS)) {}
     CUpwardWalk(CAddrDic const& owner, uint32_t nNode) : CUpwardWalk(owner, owner.GetAddrNode(nNode)) {}
 
     tagADDRNODE const* Node() const { return m_pNode; } // null at the end

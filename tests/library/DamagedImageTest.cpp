@@ -160,6 +160,21 @@ TEST(DamagedImage, WhoseParentsGoInACircleHasNoCityWhenNoneIsInIt) {
     EXPECT_THAT(dic.GetCityNode(dic.GetAddrInfo(world.nOfficeInfo)), IsNull());
 }
 
+// Whatever hangs below a long chain of parents, a question is answered in few steps for each entry.
+TEST(DamagedImage, WithParentsByTheHundredHasNoCityAtTheirEnd) {
+    for (auto const& [nAreas, bFound] : {std::pair{254u, true}, std::pair{255u, false}, std::pair{1000u, false}}) {
+        CTestImage world;
+        uint32_t const nCity = world.AddNode(LEVEL_CITY, ADDR_NONE, "千代田区");
+        uint32_t nNode = nCity;
+        for (uint32_t n = 0; n <= nAreas; ++n) nNode = world.AddNode(LEVEL_AREA, nNode, "");
+        uint32_t const nInfo = world.AddInfo(nNode, "1000001");
+        CGuardedBytes const image(world.Bytes());
+        CAddrDic dic;
+        dic.SetDictionary(image.Data());
+        EXPECT_EQ(dic.GetCityNode(dic.GetAddrInfo(nInfo)), bFound ? dic.GetAddrNode(nCity) : nullptr) << nAreas;
+    }
+}
+
 TEST(DamagedImage, WithAParentOutOfRangeIsHarmless) {
     for (uint32_t nParent : {5u, 1000000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFEu})
         for (uint32_t nNode = 0; nNode < 5; ++nNode)
