@@ -66,7 +66,7 @@ CChildRunner::~CChildRunner() {
     waitpid(m_nProcess, nullptr, 0);
 }
 
-CChildUsage CChildRunner::Run(std::vector<std::string> const& vArgument) {
+CChildUsage CChildRunner::Run(std::vector<std::string> const& vArgument) const {
     std::string strPacket;
     for (std::string const& str : vArgument) strPacket.append(str.c_str(), str.size() + 1);
     if (strPacket.size() > MAX_COMMAND) throw std::length_error("command too long: " + vArgument.front());

@@ -25,7 +25,7 @@ class CChildRunner {
 
     // Runs a program to its end; throws std::runtime_error when that end is not exit status 0.
     // REQUIRES: no argument is empty.
-    CChildUsage Run(std::vector<std::string> const& vArgument);
+    CChildUsage Run(std::vector<std::string> const& vArgument) const;
 
   private:
     int m_nSocket;

@@ -12,7 +12,7 @@ CChildUsage CompileDictionary(CChildRunner& runner, CSources const& sources, std
     std::vector<std::string> vArgument = {
         BENCH_COMPILER_PROGRAM, "build",    "--towns", sources.strTowns, "--offices",
         sources.strOffices,     "--output", strOutput, "--quiet",        "--no-progress"};
-    if (sources.bSample) vArgument.push_back("--sample");
+    if (sources.bSample) vArgument.emplace_back("--sample");
     return runner.Run(vArgument);
 }
 

@@ -73,7 +73,8 @@ class CTreePrinter {
 
     void PrintNode(tagADDRNODE const& node, unsigned nDepth) {
         char const* const pszName = Text(node.nName);
-        m_out << std::string(2u * nDepth, ' ') << unsigned{node.nLevel} << ' ' << (*pszName == '\0' ? "-" : pszName);
+        m_out << std::string(size_t{2} * nDepth, ' ') << unsigned{node.nLevel} << ' '
+              << (*pszName == '\0' ? "-" : pszName);
         char const* const pszKana = TextBehind(node.nName);
         tagADDRINFO const* const pInfo = m_dic.GetAddrInfo(node.nInfo);
         if (*pszKana != '\0' || pInfo != nullptr) m_out << '\t' << pszKana;
@@ -160,7 +161,7 @@ bool CDictionaryFile::IsIntact() const {
 }
 
 uint32_t CDictionaryFile::Word(unsigned nWord) const {
-    return ReadWord(m_vByte.data() + 4u * nWord);
+    return ReadWord(m_vByte.data() + size_t{4} * nWord);
 }
 
 void PrintInfo(CDictionaryFile const& file, bool bJson, std::ostream& out) {

@@ -300,7 +300,7 @@ CImage CImageWriter::Write() const {
 }
 
 uint32_t ImageChecksum(unsigned char const* pImage, size_t nSize) {
-    constexpr size_t BEFORE = 4 * HDR_CHECKSUM;
+    constexpr size_t BEFORE = size_t{4} * HDR_CHECKSUM;
     constexpr unsigned char ZERO[4] = {};
     uint32_t nCrc = UpdateCrc(0xFFFFFFFF, pImage, BEFORE);
     nCrc = UpdateCrc(nCrc, ZERO, sizeof ZERO);
@@ -309,7 +309,7 @@ uint32_t ImageChecksum(unsigned char const* pImage, size_t nSize) {
 
 void RepairChecksum(std::vector<unsigned char>& vByte) {
     uint32_t const nChecksum = ImageChecksum(vByte.data(), vByte.size());
-    std::memcpy(vByte.data() + 4 * HDR_CHECKSUM, &nChecksum, sizeof nChecksum);
+    std::memcpy(vByte.data() + size_t{4} * HDR_CHECKSUM, &nChecksum, sizeof nChecksum);
 }
 
 } // namespace qe

@@ -54,8 +54,8 @@ bool IsKnownPref(std::string const& strPref) {
 }
 
 // What both tables have in common: the codes and the prefecture.
-void CheckRow(CLineReader const& reader, std::string const& strJis, std::string const& strPref, std::string& strCode,
-              std::string& strOldCode) {
+void CheckRow(CLineReader const& reader, std::string const& strJis, std::string const& strPref,
+              std::string const& strCode, std::string& strOldCode) {
     if (!IsDigits(strJis, 5)) reader.Fail("column 1 must be a code of five digits, not \"" + strJis + "\".");
     if (!IsDigits(strCode, 7)) reader.Fail("the postal code must have seven digits, not \"" + strCode + "\".");
     strOldCode.erase(strOldCode.find_last_not_of(' ') + 1);

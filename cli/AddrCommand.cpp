@@ -10,6 +10,8 @@
 #include "cli/Command.h"
 #include "cli/Text.h"
 
+#include <cstring>
+
 namespace qe {
 
 namespace {
@@ -137,7 +139,8 @@ class CAddrCommand : public CCommand {
     std::string Stripped(std::string const& strOffice) {
         std::string strName = DropWideBlanks(strOffice);
         Dictionary().Class().SearchInc(strName.data());
-        return strName.c_str(); // it has become shorter in place
+        strName.resize(std::strlen(strName.c_str())); // it has become shorter in place
+        return strName;
     }
 
     void RemarkOffice(std::string const& strAddress, tagADDR const& addr) const {

@@ -22,7 +22,7 @@ std::string Field(char const (&acField)[N]) {
 // A name: one that fills its field may have been cut within a character, which then goes.
 template <size_t N>
 std::string Text(char const (&acField)[N]) {
-    std::string const strText = Field(acField);
+    std::string strText = Field(acField);
     for (size_t nCut = 0; strText.size() == N && nCut < LONGEST_CHARACTER; ++nCut)
         if (std::string strWhole = strText.substr(0, N - nCut); IsUtf8(strWhole)) return strWhole;
     return strText;

@@ -11,7 +11,6 @@
 #include "cli/Text.h"
 
 #include <algorithm>
-#include <cstring>
 #include <set>
 #include <utility>
 
@@ -36,6 +35,7 @@ std::vector<CRow> FindAddressesOfOldCode(CDictionary& dictionary, std::string co
     std::vector<tagADDR> vAddr;
     dictionary.Class().GetAddrFromPostCode5(strCode.c_str(), vAddr);
     std::vector<CRow> vAddress;
+    vAddress.reserve(vAddr.size());
     for (tagADDR const& addr : vAddr) vAddress.push_back(MakeAddress(dictionary, addr));
     return vAddress;
 }
@@ -55,7 +55,7 @@ CRow SplitPrefecture(std::string const& strCode, std::string_view strBoth) {
 std::vector<CRow> FindCities(CZipOptions const& options, std::string const& strCode) {
     tagCODERECORD record(options.bSort ? SORT_ADDR : SORT_DICTIONARY);
     char* const pszField = options.bOld ? record.szOldCode : record.szCode;
-    std::memcpy(pszField, strCode.data(), strCode.size()); // ReadCode has seen to it that it fits; the NUL is there
+    strCode.copy(pszField, strCode.size()); // ReadCode has seen to it that it fits; the NUL is there
     HGLOBAL hResult = nullptr;
     if (PstAdrCity(&record, &hResult) != 0) throw CFailure(EXIT_SYSTEM, "not enough memory.");
     CBlock const block(hResult);

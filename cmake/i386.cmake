@@ -1,5 +1,5 @@
 # Toolchain of the i386 preset: the machine's own compiler with -m32 (Debian: g++-multilib), and the i386 packages of
-# the foreign architecture for the one library that the platform layer needs (libinih-dev:i386).
+# the foreign architecture for what the platform layer and the compiler need (libinih-dev:i386, libutf8proc-dev:i386).
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(CMAKE_C_COMPILER gcc)

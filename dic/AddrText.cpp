@@ -54,8 +54,8 @@ tagADDRINFO const* FindSuccessor(CAddrDic const& dic, CImageText const& text, ta
 // Removes one legal form from the front or, when something is left before it, from the end.
 void RemoveLegalForm(char* pszName) {
     size_t const nLength = std::strlen(pszName);
-    for (char const* pszWord : except_word) {
-        if (*pszWord == '\0') return;
+    for (size_t n = 0; *except_word[n] != '\0'; ++n) {
+        char const* const pszWord = except_word[n];
         size_t const nWord = std::strlen(pszWord);
         if (std::strncmp(pszName, pszWord, nWord) == 0) {
             std::memmove(pszName, pszName + nWord, nLength - nWord + 1);

@@ -44,7 +44,7 @@ inline uint32_t ReadWord(unsigned char const* p) {
 }
 
 inline uint32_t HeaderWord(unsigned char const* pImage, tagHEADERWORD nWord) {
-    return ReadWord(pImage + 4 * nWord);
+    return ReadWord(pImage + size_t{4} * nWord);
 }
 
 #endif

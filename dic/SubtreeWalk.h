@@ -15,9 +15,9 @@
 
 class CSubtreeWalk {
   public:
+    // REQUIRES: an image is bound.
     explicit CSubtreeWalk(CAddrDic const& owner)
-        : m_owner(owner),
-          m_nLeft(owner.GetDicPointer() == nullptr ? 0 : HeaderWord(owner.GetDicPointer(), HDR_NODE_COUNT)) {}
+        : m_owner(owner), m_nLeft(HeaderWord(owner.GetDicPointer(), HDR_NODE_COUNT)) {}
 
     // Visits every node below this one with the state of its parents. The siblings of one parent share one copy: what
     // the visit of one writes stays for those that follow, and goes down to its own children.

@@ -24,7 +24,8 @@ static void PrintAddresses(unsigned char const* pBlock) {
     char const* const pszPool = (char const*)pBlock + ReadLong(pBlock + 8);
     for (unsigned n = 0; n < nAddresses; ++n, pEntry += ENTRY_SIZE) {
         printf("address %u of %u\n", n + 1, nAddresses);
-        for (int i = 0; i < FIELD_COUNT; ++i) printf("  %s: %s\n", FIELDS[i], pszPool + ReadLong(pEntry + 4 * i));
+        for (int i = 0; i < FIELD_COUNT; ++i)
+            printf("  %s: %s\n", FIELDS[i], pszPool + ReadLong(pEntry + 4 * (size_t)i));
     }
 }
 

@@ -42,6 +42,7 @@ struct tagSLOT {
     uint32_t nLocks;
 };
 static_assert(std::is_trivially_copyable_v<tagSLOT>, "realloc moves slots");
+static_assert(nMaxSlots <= SIZE_MAX / sizeof(tagSLOT), "the size of a full table can be counted");
 
 // A host may allocate and free from its own static destructors, and they may run after everything of ours: so nothing
 // here has a destructor, and nothing needs a constructor. The blocks stay reachable from pSlots, also for a leak
@@ -80,8 +81,7 @@ bool Grow() {
     if (nUsed < nCapacity) return true;
     if (nCapacity == nMaxSlots) return false;
     uint32_t nWanted = nCapacity ? nCapacity * 2 : 256; // a power of two, so it meets nMaxSlots exactly
-    if (nWanted > SIZE_MAX / sizeof(tagSLOT)) return false;
-    void* p = std::realloc(pSlots, nWanted * sizeof(tagSLOT));
+    void* p = std::realloc(pSlots, size_t{nWanted} * sizeof(tagSLOT));
     if (!p) return false;
     pSlots = static_cast<tagSLOT*>(p);
     nCapacity = nWanted;
