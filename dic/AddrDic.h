@@ -8,7 +8,9 @@
 // Lifetime  The object never owns the image. Texts in a tagADDR lead into it and live as long as the mapping; once
 //           its owner has unmapped it, call nothing before the next SetDictionary.
 // State     Each lookup rewrites the lists it owns; other calls read them until the next lookup.
-// Threads   One object, one thread. Objects over the same image are independent of each other.
+// Threads   One object, one thread at a time. Objects over the same image are independent: the image, pref_order and the
+//           other tables are only read. Not to be shared: an object, and a list that a call fills. Who unmaps the image
+//           waits for all objects over it.
 // Texts     Address texts are UTF-8, of any length, and spelled as the dictionary spells its names.
 // Failure   Nothing throws but std::bad_alloc. An index or offset outside its table yields null, and null means not
 //           found. An object without an image finds nothing.

@@ -32,7 +32,9 @@ tagADDR MakeTownRecord(CAddrDic const& dic, CImageText const& text, tagADDRNODE 
     return addr;
 }
 
+// All of them or, when memory runs out, none: the list is what the next level's call reads.
 void AppendNodes(std::vector<tagADDR> const& vAddr, std::vector<tagADDRNODE const*>& vList) {
+    vList.reserve(vList.size() + vAddr.size());
     for (tagADDR const& addr : vAddr) vList.push_back(addr.pListCity);
 }
 

@@ -65,11 +65,13 @@ BOOL __real_GlobalUnlock(HGLOBAL);
 
 namespace {
 
-// Notes a call; true when it is to fail.
-bool Note(CSystemCall const& call) {
+// Notes a call; true when it is to fail. Without a watch nothing is made of the arguments: the test may be one of
+// memory that runs out.
+bool Note(char const* pszName, char const* pszText = "", void const* p = nullptr, size_t nSize = 0, int nNumber = 0,
+          int hFile = 0) {
     if (pCurrent == nullptr) return false;
-    pCurrent->Record(call);
-    return pCurrent->Fails(call.strName);
+    pCurrent->Record({pszName, pszText, p, nSize, nNumber, hFile});
+    return pCurrent->Fails(pszName);
 }
 
 bool IsIgnored(char const* pszName) {
@@ -81,13 +83,13 @@ template <typename FUNCTION>
 int Open(FUNCTION pfnReal, char const* pszPath, int nFlags, int nMode) {
     bool const bFails = pCurrent != nullptr && pCurrent->Fails("open");
     int const hFile = bFails ? -1 : pfnReal(pszPath, nFlags, nMode);
-    Note({"open", pszPath, nullptr, 0, nFlags, hFile});
+    Note("open", pszPath, nullptr, 0, nFlags, hFile);
     return hFile;
 }
 
 template <typename FUNCTION, typename STAT>
 int Stat(FUNCTION pfnReal, char const* pszPath, STAT* pStat) {
-    return Note({"stat", pszPath}) ? -1 : pfnReal(pszPath, pStat);
+    return Note("stat", pszPath) ? -1 : pfnReal(pszPath, pStat);
 }
 
 template <typename FUNCTION, typename OFFSET>
@@ -95,7 +97,7 @@ void* Map(FUNCTION pfnReal, void* pWish, size_t nSize, int nProt, int nFlags, in
     bool const bFails = pCurrent != nullptr && pCurrent->Fails("mmap");
     void* const p = bFails ? MAP_FAILED : pfnReal(pWish, nSize, nProt, nFlags, hFile, nOffset);
     bool const bPlain = pWish == nullptr && nProt == PROT_READ && nFlags == MAP_SHARED && nOffset == 0;
-    Note({bPlain ? "mmap" : "mmap with other arguments", "", p, nSize, hFile});
+    Note(bPlain ? "mmap" : "mmap with other arguments", "", p, nSize, hFile);
     return p;
 }
 
@@ -140,40 +142,40 @@ void* __wrap_mmap64(void* pWish, size_t nSize, int nProt, int nFlags, int hFile,
 }
 
 int __wrap_munmap(void* p, size_t nSize) {
-    if (Note({"munmap", "", p, nSize})) return -1;
+    if (Note("munmap", "", p, nSize)) return -1;
     return IsIgnored("munmap") ? 0 : __real_munmap(p, nSize);
 }
 
 int __wrap_close(int hFile) {
-    if (Note({"close", "", nullptr, 0, hFile})) return -1;
+    if (Note("close", "", nullptr, 0, hFile)) return -1;
     return IsIgnored("close") ? 0 : __real_close(hFile);
 }
 
 HMODULE __wrap_LoadLibrary(LPCSTR pszName) {
-    return Note({"LoadLibrary", pszName}) ? nullptr : __real_LoadLibrary(pszName);
+    return Note("LoadLibrary", pszName) ? nullptr : __real_LoadLibrary(pszName);
 }
 
 FARPROC __wrap_GetProcAddress(HMODULE hModule, LPCSTR pszName) {
-    if (Note({"GetProcAddress", pszName, hModule})) return nullptr;
+    if (Note("GetProcAddress", pszName, hModule)) return nullptr;
     FARPROC const pfnGiven = pCurrent != nullptr ? pCurrent->GivenFunction() : nullptr;
     return pfnGiven != nullptr ? pfnGiven : __real_GetProcAddress(hModule, pszName);
 }
 
 BOOL __wrap_FreeLibrary(HMODULE hModule) {
-    return Note({"FreeLibrary", "", hModule}) ? 0 : __real_FreeLibrary(hModule);
+    return Note("FreeLibrary", "", hModule) ? 0 : __real_FreeLibrary(hModule);
 }
 
 HGLOBAL __wrap_GlobalAlloc(UINT nFlags, SIZE_T nSize) {
-    return Note({"GlobalAlloc", "", nullptr, nSize, static_cast<int>(nFlags)}) ? nullptr
-                                                                               : __real_GlobalAlloc(nFlags, nSize);
+    return Note("GlobalAlloc", "", nullptr, nSize, static_cast<int>(nFlags)) ? nullptr
+                                                                             : __real_GlobalAlloc(nFlags, nSize);
 }
 
 LPVOID __wrap_GlobalLock(HGLOBAL hMem) {
-    return Note({"GlobalLock", "", hMem}) ? nullptr : __real_GlobalLock(hMem);
+    return Note("GlobalLock", "", hMem) ? nullptr : __real_GlobalLock(hMem);
 }
 
 BOOL __wrap_GlobalUnlock(HGLOBAL hMem) {
-    return Note({"GlobalUnlock", "", hMem}) ? 0 : __real_GlobalUnlock(hMem);
+    return Note("GlobalUnlock", "", hMem) ? 0 : __real_GlobalUnlock(hMem);
 }
 
 } // extern "C"

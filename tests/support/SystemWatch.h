@@ -5,7 +5,8 @@
 //   PstAdrCity(abRecord, &h);
 //   EXPECT_THAT(watch.Names(), ElementsAre("GlobalAlloc", "GlobalLock"));
 //
-// While none exists every call goes through untouched; at most one may exist at a time. Link qetestwatch.
+// While none exists every call goes through untouched and nothing is allocated; at most one may exist at a time. Link
+// qetestwatch.
 #ifndef QEADRS_TESTS_SUPPORT_SYSTEMWATCH_H
 #define QEADRS_TESTS_SUPPORT_SYSTEMWATCH_H
 
