@@ -625,7 +625,6 @@ void CInstall::Put(CPartFile& part, fs::path const& target) {
     if (fs::exists(target, error)) {
         fs::path const old = target.string() + ".part.old";
         m_vSteps.back().old = old;
-        fs::remove(old, error);
         fs::create_hard_link(target, old, error);
         if (error) fs::copy_file(target, old, error);
         if (error) throw CBuildError(target.string() + ": cannot be kept aside: " + error.message() + ".");
@@ -648,6 +647,8 @@ std::vector<CFetchedFile> PutInPlace(std::deque<CDownload>& vDownloads, CFolder 
     CInstall install;
     for (CDownload& download : vDownloads) {
         CPartFile& part = download.Part();
+        std::error_code error;
+        fs::remove(download.Target().string() + ".part.old", error); // of a run that was killed
         bool const bUnchanged = SameContent(part.Path(), download.Target());
         vFetched.push_back({download.Target().string(), download.Member(), part.Size(), bUnchanged});
         if (bUnchanged)

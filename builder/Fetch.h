@@ -8,8 +8,9 @@
 // Files     DIR/utf_ken_all.zip and DIR/jigyosyo.zip. Both are complete and checked (zip structure, expected member,
 //           its checksum) before either replaces an older one, so that DIR never mixes two editions.
 // Meanwhile A transfer collects in NAME.part; NAME.part.old is the way back while the two files are put in place.
-//           Both names belong to us and are gone afterwards. A .part that a killed run left behind is not trusted: it
-//           is thrown away. A second fetch into the same DIR at the same time is refused.
+//           Both names belong to us and are gone afterwards. What a killed run left behind of them is not trusted: it
+//           is thrown away. A kill between the two renames alone leaves two editions side by side; the next fetch ends
+//           that. A second fetch into the same DIR at the same time is refused.
 // Cuts      A transfer that was cut is resumed where the server proves (If-Range, then the answer's own ETag or
 //           Last-Modified, place and total size) that it still has the same file; else it begins again.
 // Failure   CBuildError with the address, what happened and the way out. DIR is as it was: no .part, old files intact.

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -16,6 +17,23 @@
 namespace qe {
 
 namespace {
+
+// Holds the signals that ask the program to end until the temporary file is renamed or removed; then they arrive.
+class CHeldSignals {
+  public:
+    CHeldSignals() {
+        sigset_t set;
+        sigemptyset(&set);
+        for (int const nSignal : {SIGHUP, SIGINT, SIGTERM}) sigaddset(&set, nSignal);
+        pthread_sigmask(SIG_BLOCK, &set, &m_before);
+    }
+    ~CHeldSignals() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+    CHeldSignals(CHeldSignals const&) = delete;
+    CHeldSignals& operator=(CHeldSignals const&) = delete;
+
+  private:
+    sigset_t m_before = {};
+};
 
 // The temporary file: removed unless it has been renamed.
 class CTemporary {
@@ -98,7 +116,9 @@ std::string Resolve(std::string const& strPath) {
 } // namespace
 
 void ReplaceFile(std::string const& strPath, std::vector<unsigned char> const& vByte) {
-    CTemporary file(Resolve(strPath));
+    std::string const strFile = Resolve(strPath);
+    CHeldSignals const held; // outlives the temporary file
+    CTemporary file(strFile);
     file.Write(vByte);
     file.Verify(vByte);
     file.Rename();

@@ -216,8 +216,8 @@ void AddFetch(CLI::App& app, CFetchOptions& options) {
     pFetch->callback([&options] {
         // An interrupted download cleans up after itself before the program ends.
         options.pStop = &bStopped;
-        std::signal(SIGINT, OnStopSignal);
-        std::signal(SIGTERM, OnStopSignal);
+        for (int const nSignal : {SIGHUP, SIGINT, SIGTERM})
+            if (std::signal(nSignal, OnStopSignal) == SIG_IGN) std::signal(nSignal, SIG_IGN); // nohup, for one
         for (CFetchedFile const& file : FetchOfficialFiles(options, std::cerr))
             std::cout << file.strPath << '\t' << file.nBytes << '\n';
     });
