@@ -3,6 +3,7 @@
 
 #include "builder/CompilerCity.h"
 #include "builder/Error.h"
+#include "builder/SearchedName.h"
 #include "builder/Text.h"
 #include "builder/TownText.h"
 #include "dic/AddrDic.h"
@@ -23,16 +24,6 @@ int FindPrefRow(std::string const& strPref) {
     for (int n = 0; n < PREF_ORDER_ROWS; ++n)
         if (strPref == pref_order[n] + PREF_ORDER_NAME) return n;
     return -1;
-}
-
-// An organisation's name as a search for it arrives at the index: without ideographic spaces, then normalised by the
-// library itself, which strips blanks, one legal form and, of every character of the block around the ideographic
-// space, the first two bytes. Made of the whole name: without its blanks many a long one fits.
-std::string SearchedName(std::string const& strName) {
-    std::string strSearched = WithoutBlanks(strName);
-    CAddrDic().SearchInc(strSearched.data());
-    strSearched.resize(std::strlen(strSearched.c_str()));
-    return CutName(strSearched, NAME_LIMIT);
 }
 
 std::string Key(std::string const& strFirst, std::string const& strSecond) {
@@ -257,7 +248,7 @@ void CCompiler::AddOffices(std::vector<COfficeRow> const& vRow, std::string cons
         }
         CPlace* const pOffice = NewPlace(pPlace, LEVEL_OFFICE, row.strName, row.strKana);
         SetCode(pOffice, row.strCode, row.strOldCode);
-        pOffice->strAlias = SearchedName(row.strName);
+        pOffice->strAlias = SearchedName(row.strName); // of the whole name: without its blanks many a long one fits
     }
 }
 
@@ -324,7 +315,7 @@ CImage CCompiler::Compile(uint32_t nEdition, ESource nSource) {
     for (CCity const& city : m_vCity) // today's alone
         if (city.pDefault == nullptr) ++m_statistics["cities_without_code"];
     PlaceSuperseded();
-    for (CCity& city : m_vCity) city.pPlace->vChild = CTownOrder(city.pPlace->vChild).Take();
+    for (CCity const& city : m_vCity) city.pPlace->vChild = CTownOrder(city.pPlace->vChild).Take();
     for (CPlace* pPref : m_vPref) {
         if (pPref == nullptr) ++m_statistics["prefectures_missing"];
         if (pPref != nullptr) WritePlace(writer, *pPref, ADDR_NONE);

@@ -1,4 +1,5 @@
 // qeadrs-dic - the dictionary compiler: compiles, fetches and shows dictionaries.
+#include "builder/Check.h"
 #include "builder/Compiler.h"
 #include "builder/DictionaryFile.h"
 #include "builder/Error.h"
@@ -226,6 +227,7 @@ void AddFetch(CLI::App& app, CFetchOptions& options) {
 struct CShowOptions {
     std::string strFile;
     unsigned nLevel = LEVEL_OFFICE;
+    size_t nLimit = CCheckReport::MOST_TOLD;
     bool bJson = false;
 };
 
@@ -239,6 +241,22 @@ void AddShow(CLI::App& app, CShowOptions& options) {
     pDump->add_option("--level", options.nLevel, "down to this level: 0 prefecture ... 7 organisation")
         ->check(CLI::Range(0, 7));
     pDump->callback([&options] { PrintTree(CDictionaryFile(options.strFile), options.nLevel, std::cout); });
+}
+
+// Exit status 0: sound; 1: not sound, or it cannot be read.
+void AddCheck(CLI::App& app, CShowOptions& options, bool& bSound) {
+    CLI::App* const pCheck = app.add_subcommand("check", "whether a dictionary can be trusted");
+    pCheck->add_option("FILE", options.strFile, "the dictionary")->required();
+    pCheck->add_flag("--json", options.bJson, "the violations and their counts as one JSON object");
+    pCheck->add_option("--limit", options.nLimit, "violations told of each rule, 0 for all (all are counted)")
+        ->check(CLI::Range(0.0, 1e9, "N"))
+        ->capture_default_str();
+    pCheck->callback([&options, &bSound] {
+        CCheckReport const report =
+            CheckDictionaryFile(options.strFile, options.nLimit == 0 ? SIZE_MAX : options.nLimit);
+        PrintReport(report, options.bJson, std::cout);
+        bSound = report.IsSound();
+    });
 }
 
 struct CReportOptions {
@@ -317,6 +335,8 @@ int Run(int nArguments, char** ppszArgument) {
     AddBuild(app, buildOptions);
     AddFetch(app, fetchOptions);
     AddShow(app, showOptions);
+    bool bSound = true;
+    AddCheck(app, showOptions, bSound);
     AddReport(app, reportOptions);
     try {
         app.parse(nArguments, ppszArgument);
@@ -325,7 +345,7 @@ int Run(int nArguments, char** ppszArgument) {
     } catch (CLI::ParseError const& error) {
         return app.exit(error) == 0 ? EXIT_DONE : EXIT_USAGE;
     }
-    return EXIT_DONE;
+    return bSound ? EXIT_DONE : EXIT_FAILED;
 }
 
 } // namespace
