@@ -5,7 +5,7 @@
 PACKAGES_BUILD="ca-certificates cmake g++ libcli11-dev libcurl4-openssl-dev libinih-dev libncurses-dev libutf8proc-dev
     libzip-dev make ninja-build nlohmann-json3-dev pkg-config"
 # What the tests need besides.
-PACKAGES_CHECK="binutils clang-format-14 git g++-multilib googletest libbenchmark-dev libsqlite3-dev libutf8proc-dev
+PACKAGES_CHECK="binutils clang-format-14 cppcheck git g++-multilib googletest libbenchmark-dev libsqlite3-dev libutf8proc-dev
     skkdic-extra unzip"
 # Of the foreign architecture, for the 32-bit platform layer.
 PACKAGES_I386="libinih-dev:i386 libutf8proc-dev:i386"
