@@ -13,7 +13,7 @@ constexpr size_t MOST_CALLS = 64; // of one input; an address list can be as lon
 class CBlock {
   public:
     explicit CBlock(HGLOBAL h) : m_h(h), m_nSize(GlobalSize(h)), m_p(static_cast<unsigned char*>(GlobalLock(h))) {
-        Require(m_p != nullptr, "the handle of an answer is a block");
+        if (m_p == nullptr) BreakPromise("the handle of an answer is a block");
         for (size_t n = 0; n < m_nSize; ++n) {
             unsigned char const volatile c = m_p[n];
             (void)c;
