@@ -1,6 +1,8 @@
 // CheckHeader.cpp - the rules of the file as a whole: header, tables, checksum.
 #include "builder/CheckRules.h"
 
+#include "builder/EditionDate.h"
+#include "builder/ImageTables.h"
 #include "builder/ImageWriter.h"
 
 #include <algorithm>
@@ -11,20 +13,6 @@
 namespace qe {
 
 namespace {
-
-struct CCheckTable {
-    char const* pszName;
-    tagHEADERWORD nOffset;
-    tagHEADERWORD nCount;
-    size_t nRecord;
-};
-constexpr CCheckTable TABLES[] = {
-    {"node table", HDR_NODE_TABLE, HDR_NODE_COUNT, sizeof(tagADDRNODE)},
-    {"info table", HDR_INFO_TABLE, HDR_INFO_COUNT, sizeof(tagADDRINFO)},
-    {"string area", HDR_STRING_AREA, HDR_STRING_SIZE, 1},
-    {"city-name index", HDR_CITY_INDEX, HDR_CITY_COUNT, 4},
-    {"organisation index", HDR_OFFICE_INDEX, HDR_OFFICE_COUNT, 4},
-};
 
 // Where one flipped bit would make the checksum right: its position in the file, and the bit. The checksum is linear:
 // a flipped bit changes it by a value that depends on the distance from the end only, and that can be followed from
@@ -50,14 +38,6 @@ std::optional<CFlippedBit> FindFlippedBit(std::vector<unsigned char> const& vByt
             anEffect[nBit] = (anEffect[nBit] >> 8) ^ anStep[anEffect[nBit] & 0xFF];
         }
     return std::nullopt;
-}
-
-// Day 0 stands for the month as a whole.
-bool IsDate(uint32_t nYear, uint32_t nMonth, uint32_t nDay) {
-    if (nYear < 1000 || nYear > 9999 || nMonth < 1 || nMonth > 12) return false;
-    bool const bLeap = (nYear % 4 == 0 && nYear % 100 != 0) || nYear % 400 == 0;
-    constexpr uint32_t DAYS[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    return nDay <= DAYS[nMonth - 1] + (bLeap && nMonth == 2 ? 1 : 0);
 }
 
 class CHeaderCheck {
@@ -116,11 +96,11 @@ class CHeaderCheck {
     bool CheckTables() {
         struct CRun {
             uint64_t nBegin, nEnd;
-            CCheckTable const* pTable;
+            CImageTable const* pTable;
         };
         std::vector<CRun> vRun;
         bool bRight = true;
-        for (CCheckTable const& table : TABLES) {
+        for (CImageTable const& table : IMAGE_TABLES) {
             uint64_t const nOffset = Word(table.nOffset), nSize = uint64_t{Word(table.nCount)} * table.nRecord;
             bool const bAligned = table.nRecord == 1 || nOffset % 4 == 0;
             bool const bInside =
@@ -130,8 +110,9 @@ class CHeaderCheck {
                 continue;
             }
             Tell(ECheckRule::Tables, table.nOffset,
-                 std::string("the ") + table.pszName + " of " + Number(nSize) + " bytes at " + Number(nOffset) +
-                     (bAligned ? " does not lie behind the header in the file" : " is not aligned"));
+                 std::string("the table of ") + table.pszName + ", " + Number(nSize) + " bytes at " +
+                     Number(nOffset) +
+                     (bAligned ? ", does not lie behind the header in the file" : ", is not aligned"));
             bRight = false;
         }
         for (tagHEADERWORD nWord : {HDR_FIFTH_TABLE, HDR_SIXTH_TABLE})
@@ -143,7 +124,8 @@ class CHeaderCheck {
         for (size_t n = 1; n < vRun.size(); ++n)
             if (vRun[n].nBegin < vRun[n - 1].nEnd)
                 Tell(ECheckRule::Tables, vRun[n].pTable->nOffset,
-                     std::string("the ") + vRun[n].pTable->pszName + " begins in the " + vRun[n - 1].pTable->pszName);
+                     std::string("the table of ") + vRun[n].pTable->pszName + " begins in that of " +
+                         vRun[n - 1].pTable->pszName);
         if (bRight) CheckLastText();
         return bRight;
     }
@@ -172,7 +154,7 @@ class CHeaderCheck {
 
     void CheckIdentification() {
         uint32_t const nEdition = Word(HDR_EDITION);
-        if (nEdition != 0 && !IsDate(nEdition / 10000, nEdition / 100 % 100, nEdition % 100))
+        if (nEdition != 0 && !IsEdition(nEdition))
             Tell(ECheckRule::Identification, HDR_EDITION, "is no edition: " + Number(nEdition));
         if (Word(HDR_SOURCE) > static_cast<uint32_t>(ESource::Sample))
             Tell(ECheckRule::Identification, HDR_SOURCE, "is no source: " + Number(Word(HDR_SOURCE)));

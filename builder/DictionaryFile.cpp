@@ -2,6 +2,7 @@
 #include "builder/DictionaryFile.h"
 
 #include "builder/Error.h"
+#include "builder/ImageTables.h"
 #include "dic/ImageHeader.h"
 
 #include <sys/stat.h>
@@ -21,20 +22,6 @@ namespace qe {
 namespace {
 
 constexpr unsigned DEEPEST = 32; // steps below a prefecture that are shown; eight levels need seven
-
-struct CTable {
-    char const* pszName;
-    tagHEADERWORD nOffset;
-    tagHEADERWORD nCount; // HDR_MAGIC: an empty table
-    size_t nRecord;
-};
-constexpr CTable TABLES[] = {
-    {"nodes", HDR_NODE_TABLE, HDR_NODE_COUNT, sizeof(tagADDRNODE)},
-    {"entries", HDR_INFO_TABLE, HDR_INFO_COUNT, sizeof(tagADDRINFO)},
-    {"strings", HDR_STRING_AREA, HDR_STRING_SIZE, 1},
-    {"city index", HDR_CITY_INDEX, HDR_CITY_COUNT, 4},
-    {"organisation index", HDR_OFFICE_INDEX, HDR_OFFICE_COUNT, 4},
-};
 
 struct CLevel {
     char const* pszName;
@@ -89,34 +76,6 @@ class CTreePrinter {
 
 } // namespace
 
-std::string EditionText(uint32_t nEdition) {
-    if (nEdition == 0) return "unknown";
-    char szText[40];
-    std::snprintf(szText, sizeof szText, "%04u-%02u-%02u", nEdition / 10000, nEdition / 100 % 100, nEdition % 100);
-    if (nEdition % 100 == 0) szText[7] = '\0';
-    return szText;
-}
-
-uint32_t ReadEdition(std::string const& strEdition) {
-    unsigned nYear = 0, nMonth = 0, nDay = 0;
-    int nRead = 0;
-    bool const bMonth = std::sscanf(strEdition.c_str(), "%4u-%2u%n", &nYear, &nMonth, &nRead) == 2;
-    auto const nLength = static_cast<int>(strEdition.size());
-    bool const bDay = bMonth && nRead < nLength &&
-                      std::sscanf(strEdition.c_str() + nRead, "-%2u%n", &nDay, &nRead) == 1 && nDay >= 1;
-    uint32_t const nEdition = nYear * 10000 + nMonth * 100 + nDay;
-    if (!bMonth || (nLength > 7 && !bDay) || nMonth < 1 || nMonth > 12 || nDay > 31 || nYear < 1000 ||
-        EditionText(nEdition) != strEdition)
-        throw CBuildError("\"" + strEdition + "\" is no edition; write it as 2026-05 or 2026-05-29.");
-    return nEdition;
-}
-
-bool IsEdition(std::string const& strEdition) try {
-    return ReadEdition(strEdition) != 0;
-} catch (CBuildError const&) {
-    return false;
-}
-
 char const* SourceText(uint32_t nSource) {
     switch (static_cast<ESource>(nSource)) {
     case ESource::Official:
@@ -146,7 +105,7 @@ CDictionaryFile::CDictionaryFile(std::string const& strPath) {
     if (Word(HDR_FILE_SIZE) != m_vByte.size())
         throw CBuildError(strPath + ": is damaged: " + std::to_string(m_vByte.size()) + " bytes instead of " +
                           std::to_string(Word(HDR_FILE_SIZE)) + ".");
-    for (CTable const& table : TABLES) {
+    for (CImageTable const& table : IMAGE_TABLES) {
         uint64_t const nOffset = Word(table.nOffset);
         if (nOffset % (table.nRecord < 4 ? 1 : 4) != 0 || nOffset > Size() ||
             uint64_t{Word(table.nCount)} * table.nRecord > Size() - nOffset)
@@ -172,7 +131,7 @@ void PrintInfo(CDictionaryFile const& file, bool bJson, std::ostream& out) {
     info["checksum"] = file.IsIntact() ? "right" : "WRONG: the file has been changed or damaged";
     info["bytes"] = file.Size();
     for (CLevel const& level : LEVELS) info[level.pszName] = file.Word(level.nCount);
-    for (CTable const& table : TABLES) {
+    for (CImageTable const& table : IMAGE_TABLES) {
         auto& area = info["tables"][table.pszName];
         area["offset"] = file.Word(table.nOffset);
         area["records"] = file.Word(table.nCount);

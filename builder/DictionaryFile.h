@@ -2,6 +2,7 @@
 #ifndef QEADRS_BUILDER_DICTIONARYFILE_H
 #define QEADRS_BUILDER_DICTIONARYFILE_H
 
+#include "builder/EditionDate.h"
 #include "builder/ImageWriter.h"
 #include "dic/AddrDic.h"
 
@@ -10,12 +11,6 @@
 #include <vector>
 
 namespace qe {
-
-// "2026-05" or "2026-05-29", "unknown" for 0.
-std::string EditionText(uint32_t nEdition);
-// The reverse of it; throws CBuildError for any other text.
-uint32_t ReadEdition(std::string const& strEdition);
-bool IsEdition(std::string const& strEdition);
 
 // "official tables", "SKK dictionaries", "sample", "unknown".
 char const* SourceText(uint32_t nSource);

@@ -178,9 +178,9 @@ TEST_F(Tool, AnEditionAskedForWinsOverTheZips) {
 TEST_F(Tool, AnythingElseIsNoEdition) {
     std::string const strOld = PutOldDictionary();
     for (char const* pszEdition :
-         {"2026",        "2026-",      "2026-5",      "2026-00", "2026-13", "2026-05-",   "2026-05-0",
-          "2026-05-00",  "2026-05-32", "2026-05-291", "26-05",   "0000-05", "2026/05",    "202605",
-          "2026-05-29x", " 2026-05",   "+202-05",     "2026- 5", "x",       "２０２６-05"}) {
+         {"2026",       "2026-",       "2026-5",     "2026-00",     "2026-13", "2026-05-", "2026-05-0",
+          "2026-05-00", "2026-05-32",  "2026-02-29", "2026-05-291", "26-05",   "0000-05",  "2026/05",
+          "202605",     "2026-05-29x", " 2026-05",   "+202-05",     "2026- 5", "x",        "２０２６-05"}) {
         CToolRun const run = Build(Line(CHIYODA), {"--edition", pszEdition});
         EXPECT_EQ(run.nStatus, 2) << pszEdition;
         EXPECT_THAT(run.strErr, HasSubstr("is no edition; write it as 2026-05 or 2026-05-29.")) << pszEdition;

@@ -230,6 +230,6 @@ TEST(EditionText, SaysMonthDayOrUnknown) {
 }
 
 TEST(EditionText, IsReadBack) {
-    for (uint32_t nEdition : {20260529u, 20260500u, 10000101u, 99991231u})
+    for (uint32_t nEdition : {20260529u, 20260500u, 20240229u, 20000229u, 10000101u, 99991231u})
         EXPECT_EQ(qe::ReadEdition(qe::EditionText(nEdition)), nEdition);
 }

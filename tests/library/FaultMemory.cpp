@@ -1,5 +1,5 @@
 // FaultMemory.cpp - the allocations of the test program: they fail on demand.
-#include "tests/library/FaultWorld.h"
+#include "tests/library/FaultMemory.h"
 
 #include <cstdlib>
 #include <new>

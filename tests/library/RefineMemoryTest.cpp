@@ -1,55 +1,22 @@
 // Refinement and its lists when memory runs out: the exception passes, no query is taken for answered, and the lists
 // belong together.
+#include "tests/library/FaultMemory.h"
 #include "tests/library/TreeWorld.h"
 
-#include <cstdlib>
 #include <new>
-
-namespace {
-
-long nAllowed = -1; // allocations left, -1 for any number
-
-void* Allocate(size_t nSize) noexcept {
-    if (nAllowed == 0) return nullptr;
-    if (nAllowed > 0) --nAllowed;
-    return std::malloc(nSize == 0 ? 1 : nSize);
-}
-
-} // namespace
-
-// Those of the whole test program: the library's vectors are to run out of memory, too.
-void* operator new(size_t nSize) {
-    void* const p = Allocate(nSize);
-    if (p == nullptr) throw std::bad_alloc();
-    return p;
-}
-void* operator new(size_t nSize, std::nothrow_t const&) noexcept {
-    return Allocate(nSize);
-}
-void operator delete(void* p) noexcept {
-    std::free(p);
-}
-void operator delete(void* p, size_t) noexcept {
-    std::free(p);
-}
-void operator delete(void* p, std::nothrow_t const&) noexcept {
-    std::free(p);
-}
 
 namespace {
 
 // Whether so many allocations are enough.
 template <typename FCall>
 bool IsEnough(long nAllocations, FCall const& Call) {
-    nAllowed = nAllocations;
-    bool bEnough = true;
+    CShortage const shortage(nAllocations);
     try {
         Call();
+        return true;
     } catch (std::bad_alloc const&) {
-        bEnough = false;
+        return false;
     }
-    nAllowed = -1;
-    return bEnough;
 }
 
 bool IsAnswered(CTreeDic& dic, std::string strCode, std::string const& strAddr, long nAllocations) {
