@@ -1,8 +1,9 @@
-// OpenAndCompile.cpp - what happens once per process or once per edition: from closed to the first answer, and from
-// the source tables to the dictionary.
+// OpenAndCompile.cpp - what happens once per process or once per edition: from closed to the first answer, from the
+// source tables to the dictionary, and whether that is sound.
 #include "bench/Benchmarks.h"
 
 #include "api/Pstexec.h"
+#include "builder/Check.h"
 
 #include <algorithm>
 
@@ -63,6 +64,27 @@ void ImportSqlite(benchmark::State& state, CBench& bench) {
     for (auto _ : state) MakeTableFile(bench.strTable + "-import", bench.dictionary.Rows());
 }
 
+// From the file to the verdict.
+void CheckOurs(benchmark::State& state, CBench& bench) {
+    for (auto _ : state)
+        if (!qe::CheckDictionaryFile(bench.dictionary.Path()).IsSound()) {
+            state.SkipWithError("not sound");
+            break;
+        }
+}
+
+void CheckSqlite(benchmark::State& state, CBench& bench) {
+    for (auto _ : state) {
+        CSqlite const db(bench.strTable, true);
+        CStatement check(db, "PRAGMA integrity_check");
+        std::vector<char> vText;
+        if (check.CopyRows(vText) != 1 || std::string(vText.data()) != "ok") {
+            state.SkipWithError("not sound");
+            break;
+        }
+    }
+}
+
 } // namespace
 
 void RegisterOpenAndCompile(CBench& bench) {
@@ -75,4 +97,10 @@ void RegisterOpenAndCompile(CBench& bench) {
     RegisterBenchmark("compile/sqlite_file", [&](benchmark::State& state) { ImportSqlite(state, bench); })
         ->UseRealTime()
         ->Unit(benchmark::kMillisecond);
+    RegisterBenchmark("check/CheckDictionaryFile", [&](benchmark::State& state) {
+        CheckOurs(state, bench);
+    })->Unit(benchmark::kMillisecond);
+    RegisterBenchmark("check/sqlite_file", [&](benchmark::State& state) {
+        CheckSqlite(state, bench);
+    })->Unit(benchmark::kMillisecond);
 }
