@@ -28,6 +28,11 @@ for target; do
     esac
 done
 
+command -v clang++ >/dev/null || {
+    echo "fuzz/run.sh: clang++ is not installed (Debian: apt-get install clang); the corpus alone needs none:" >&2
+    echo "    ctest --preset release -R '^Fuzz'" >&2
+    exit 2
+}
 mkdir -p "$BUILD/found" "$BUILD/corpus"
 if ! {
     cmake -S . -B "$BUILD" -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=Debug -DQEADRS_FUZZ=ON \
