@@ -27,6 +27,7 @@
 // Numbers are taken modulo what they count; of what is added, -1 is the last one, and so on.
 #include "api/Pstexec.h"
 #include "builder/Check.h"
+#include "builder/ImageTables.h"
 #include "builder/ImageWriter.h"
 #include "dic/ImageHeader.h"
 #include "fuzz/ApiCalls.h"
@@ -241,14 +242,11 @@ class CRecipe {
 
 bool TablesLieInside(std::vector<unsigned char> const& vByte) {
     if (vByte.size() < HDR_BYTES) return false;
-    auto const Lies = [&](tagHEADERWORD nTable, tagHEADERWORD nCount, uint64_t nRecord) {
-        uint64_t const nOffset = HeaderWord(vByte.data(), nTable);
-        uint64_t const nSize = HeaderWord(vByte.data(), nCount) * nRecord;
-        return (nRecord == 1 || nOffset % 4 == 0) && nOffset <= vByte.size() && nSize <= vByte.size() - nOffset;
-    };
-    return Lies(HDR_NODE_TABLE, HDR_NODE_COUNT, sizeof(tagADDRNODE)) &&
-           Lies(HDR_INFO_TABLE, HDR_INFO_COUNT, sizeof(tagADDRINFO)) && Lies(HDR_STRING_AREA, HDR_STRING_SIZE, 1) &&
-           Lies(HDR_CITY_INDEX, HDR_CITY_COUNT, 4) && Lies(HDR_OFFICE_INDEX, HDR_OFFICE_COUNT, 4);
+    return std::all_of(std::begin(qe::IMAGE_TABLES), std::end(qe::IMAGE_TABLES), [&](qe::CImageTable const& table) {
+        uint64_t const nOffset = HeaderWord(vByte.data(), table.nOffset);
+        uint64_t const nSize = uint64_t{HeaderWord(vByte.data(), table.nCount)} * table.nRecord;
+        return (table.nRecord == 1 || nOffset % 4 == 0) && nOffset <= vByte.size() && nSize <= vByte.size() - nOffset;
+    });
 }
 
 // Everything that the two interfaces offer, with the texts that were asked for before.
