@@ -52,7 +52,7 @@ bool FindDictionary(char (&szPath)[PATH_SIZE]) {
 }
 
 size_t TextLength(char const* psz) {
-    return psz == nullptr ? 0 : std::strlen(psz);
+    return psz == nullptr || *psz == '\0' ? 0 : std::strlen(psz);
 }
 
 bool AreEqual(char const* psz, char const* pszOther) {
@@ -75,7 +75,6 @@ class CBlock {
     CBlock& operator=(CBlock const&) = delete;
 
     bool IsLocked() const { return m_pStart != nullptr; }
-    void Seek(size_t nOffset) { m_pNext = m_pStart + nOffset; }
     void PutByte(size_t n) { *m_pNext++ = static_cast<unsigned char>(n); }
     void PutShort(size_t n) { PutInteger(static_cast<uint16_t>(n)); }
     void PutLong(size_t n) { PutInteger(static_cast<uint32_t>(n)); }
@@ -89,12 +88,7 @@ class CBlock {
         PutByte(nLength % 256);
         PutText(psz, nLength);
     }
-    // With a NUL behind it.
-    void PutString(char const* psz) {
-        PutText(psz, TextLength(psz));
-        PutByte('\0');
-    }
-    size_t Tell() const { return static_cast<size_t>(m_pNext - m_pStart); }
+    unsigned char* Next() const { return m_pNext; }
 
   private:
     template <typename T>
@@ -156,45 +150,76 @@ class CTable {
   public:
     // nTexts is the size of the pool.
     CTable(size_t nEntries, uint64_t nTexts, HGLOBAL* phResult)
-        : m_nPool(ZIP_HEADER + ZIP_ENTRY * nEntries), m_nText(m_nPool), m_block(m_nPool + nTexts, phResult) {
+        : m_block(ZIP_HEADER + ZIP_ENTRY * nEntries + nTexts, phResult) {
         if (!m_block.IsLocked()) return;
         m_block.PutShort(nEntries);
         m_block.PutShort(0);
         m_block.PutLong(ZIP_HEADER);
-        m_block.PutLong(m_nPool);
+        m_block.PutLong(ZIP_HEADER + ZIP_ENTRY * nEntries);
+        m_pEntry = m_block.Next();
+        m_pPool = m_pText = m_pEntry + ZIP_ENTRY * nEntries;
     }
 
     bool IsLocked() const { return m_block.IsLocked(); }
 
-    // Puts a text, by a call that writes it with its NUL, and its place into a slot of the entry.
-    template <typename FPut>
-    void Put(size_t nSlot, FPut const& PutText) {
-        m_block.Seek(m_nEntry + 4 * nSlot);
-        m_block.PutLong(m_nText - m_nPool);
-        m_block.Seek(m_nText);
-        PutText(m_block);
-        m_nText = m_block.Tell();
+    // Stores the place of the text that is put next into a slot of the entry.
+    void Begin(size_t nSlot) {
+        auto const nPlace = static_cast<uint32_t>(m_pText - m_pPool);
+        std::memcpy(m_pEntry + 4 * nSlot, &nPlace, sizeof nPlace);
     }
-    void Put(size_t nSlot, char const* psz) {
-        Put(nSlot, [psz](CBlock& block) { block.PutString(psz); });
+    void PutText(char const* psz, size_t nLength) {
+        if (nLength != 0) std::memcpy(m_pText, psz, nLength);
+        m_pText += nLength;
     }
-    void NextEntry() { m_nEntry += ZIP_ENTRY; }
+    void PutByte(char c) { *m_pText++ = static_cast<unsigned char>(c); }
+
+    // A whole text with its NUL.
+    void Put(size_t nSlot, char const* psz, size_t nLength) {
+        Begin(nSlot);
+        PutText(psz, nLength);
+        PutByte('\0');
+    }
+    void Put(size_t nSlot, char const* psz) { Put(nSlot, psz, TextLength(psz)); }
+    void NextEntry() { m_pEntry += ZIP_ENTRY; }
 
   private:
-    size_t m_nPool;
-    size_t m_nText; // place of the next text
-    size_t m_nEntry = ZIP_HEADER;
     CBlock m_block;
+    unsigned char* m_pEntry = nullptr;
+    unsigned char* m_pPool = nullptr;
+    unsigned char* m_pText = nullptr; // where the next text goes
+};
+
+// The lengths of texts that are measured twice, for the size of their block and to fill it: those of the first texts,
+// all of most answers, are kept.
+class CLengths {
+  public:
+    size_t Measure(size_t nText, char const* psz) {
+        size_t const nLength = TextLength(psz);
+        if (nText < KEPT) m_vLength[nText] = nLength;
+        return nLength;
+    }
+    size_t Of(size_t nText, char const* psz) const { return nText < KEPT ? m_vLength[nText] : TextLength(psz); }
+
+  private:
+    static constexpr size_t KEPT = 16 * ZIP_TEXTS;
+
+    size_t m_vLength[KEPT];
 };
 
 int PackAddresses(std::vector<tagADDR> const& vAddr, HGLOBAL* phResult) {
+    CLengths lengths;
     uint64_t nTexts = 0;
+    size_t nText = 0;
     for (tagADDR const& addr : vAddr)
-        for (CZipText const& text : ZIP_POOL) nTexts += TextLength(addr.*text.pszText) + 1;
+        for (CZipText const& text : ZIP_POOL) nTexts += lengths.Measure(nText++, addr.*text.pszText) + 1;
     CTable table(vAddr.size(), nTexts, phResult);
     if (!table.IsLocked()) return 1;
+    nText = 0;
     for (tagADDR const& addr : vAddr) {
-        for (CZipText const& text : ZIP_POOL) table.Put(text.nSlot, addr.*text.pszText);
+        for (CZipText const& text : ZIP_POOL) {
+            char const* const psz = addr.*text.pszText;
+            table.Put(text.nSlot, psz, lengths.Of(nText++, psz));
+        }
         table.NextEntry();
     }
     return 0;
@@ -269,22 +294,24 @@ uint32_t ListTowns(unsigned short nCity, PTEXT pFirstCode, PTEXT pSecondCode, HG
     return 0;
 }
 
+constexpr size_t SLOT_CODE = 0, SLOT_OLD_CODE = 1, SLOT_LINE = 4, SLOT_OFFICE = 6;
+
 // Town, building and floor as one line: a level counts only behind the one before it.
-void PutLine(CBlock& block, tagADDR const& addr) {
+void PutLine(CTable& table, tagADDR const& addr) {
+    table.Begin(SLOT_LINE);
     if (addr.pszTown != nullptr) {
-        block.PutText(addr.pszTown, TextLength(addr.pszTown));
+        table.PutText(addr.pszTown, TextLength(addr.pszTown));
         for (char const* psz : {addr.pszBlock, addr.pszNote}) {
             if (psz == nullptr) break;
-            block.PutByte(' ');
-            block.PutText(psz, TextLength(psz));
+            table.PutByte(' ');
+            table.PutText(psz, TextLength(psz));
         }
     }
-    block.PutByte('\0');
+    table.PutByte('\0');
 }
 
 // The bytes of an entry's four NULs, of the two blanks in its line, and one more.
 constexpr uint64_t LINE_OVERHEAD = 7;
-constexpr size_t SLOT_CODE = 0, SLOT_OLD_CODE = 1, SLOT_LINE = 4, SLOT_OFFICE = 6;
 
 // The table of addresses as lines. Its size counts the area too, which is not written: it is known to be larger than
 // its content.
@@ -297,7 +324,7 @@ uint32_t PackLines(std::vector<tagADDR> const& vAddr, HGLOBAL* phResult) {
     for (tagADDR const& addr : vAddr) {
         table.Put(SLOT_OLD_CODE, addr.pszCodeExt);
         table.Put(SLOT_CODE, addr.pszPostCode);
-        table.Put(SLOT_LINE, [&addr](CBlock& block) { PutLine(block, addr); });
+        PutLine(table, addr);
         table.Put(SLOT_OFFICE, addr.pszOffice);
         table.NextEntry();
     }

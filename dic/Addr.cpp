@@ -4,15 +4,49 @@
 #include "dic/AddrDic.h"
 #include "dic/AddrKey.h"
 #include "dic/Suffix.h"
+#include "dic/TextSort.h"
 
 #include <algorithm>
+#include <memory>
 
 char const suffix_table[SUFFIX_COUNT][4] = {"市", "区", "町", "郡", "島", "村", "庁"};
 
+namespace {
+
+// Rows of pref_order by a number made of bytes 2 to 5 of the name: of the 47 names no two have the same one.
+constexpr size_t PREF_HASH_BYTES = 6; // every name is longer
+constexpr uint32_t PREF_HASH_FACTOR = 0xAD51C357;
+constexpr unsigned PREF_HASH_BITS = 7;
+
+constexpr size_t PrefHash(char const* pszPref) {
+    uint32_t nWord = 0;
+    for (size_t n = 2; n < PREF_HASH_BYTES; ++n)
+        nWord |= static_cast<uint32_t>(static_cast<unsigned char>(pszPref[n])) << 8 * (n - 2);
+    return nWord * PREF_HASH_FACTOR >> (32 - PREF_HASH_BITS);
+}
+
+struct CPrefRows {
+    signed char vRow[1 << PREF_HASH_BITS] = {}; // one more than the row, 0 where there is none
+    int nRows = 0;
+
+    constexpr CPrefRows() {
+        for (int nRow = 0; nRow < PREF_ORDER_ROWS; ++nRow) {
+            signed char& nSlot = vRow[PrefHash(pref_order[nRow] + PREF_ORDER_NAME)];
+            if (nSlot == 0) ++nRows;
+            nSlot = static_cast<signed char>(nRow + 1);
+        }
+    }
+};
+constexpr CPrefRows prefRows;
+static_assert(prefRows.nRows == PREF_ORDER_ROWS, "two names have the same number: take another factor");
+
+} // namespace
+
 int FindPrefNumber(char const* pszPref) {
-    for (int nRow = 0; nRow < PREF_ORDER_ROWS; ++nRow)
-        if (std::strcmp(pref_order[nRow] + PREF_ORDER_NAME, pszPref) == 0) return nRow;
-    return -1;
+    for (size_t n = 0; n < PREF_HASH_BYTES; ++n)
+        if (pszPref[n] == '\0') return -1;
+    int const nRow = prefRows.vRow[PrefHash(pszPref)] - 1;
+    return nRow >= 0 && std::strcmp(pref_order[nRow] + PREF_ORDER_NAME, pszPref) == 0 ? nRow : -1;
 }
 
 // The unit right before the suffix is never a marker, and neither is one at the very start of the name.
@@ -50,20 +84,37 @@ char CityClassLetter(char const* pszCity) {
     return 'h';
 }
 
-// No separators between the texts: a record of city XY and town Z has the key of one of city X and town YZ.
+namespace {
+
+// The texts that make up the record's key, one after another. No separators between them: a record of city XY and town
+// Z has the key of one of city X and town YZ.
+template <typename FTake>
+void ForEachKeyText(tagADDR const& addr, FTake const& Take) {
+    if (addr.pszPref != nullptr) {
+        int const nPref = FindPrefNumber(addr.pszPref);
+        if (nPref >= 0) Take(pref_order[nPref]);
+        Take(addr.pszPref);
+    }
+    if (addr.nCityOrder != 0) {
+        char const szClass[] = {CityClassLetter(addr.pszCity), '\0'};
+        Take(szClass);
+    }
+    for (char const* psz : {addr.pszCity, addr.pszTown, addr.pszArea, addr.pszOffice})
+        if (psz != nullptr) Take(psz);
+}
+
+// Room for a key in words, its NUL included. Several texts may be more than 32 bits count.
+uint64_t KeyWords(tagADDR const& addr) {
+    uint64_t nLength = 0;
+    ForEachKeyText(addr, [&nLength](char const* psz) { nLength += std::strlen(psz); });
+    return nLength / WORD_BYTES + 1;
+}
+
+} // namespace
+
 std::string MakeSortKey(tagADDR const& addr) {
     std::string strKey;
-    auto const Append = [&strKey](char const* psz) {
-        if (psz != nullptr) strKey += psz;
-    };
-    int const nPref = addr.pszPref == nullptr ? -1 : FindPrefNumber(addr.pszPref);
-    if (nPref >= 0) Append(pref_order[nPref]);
-    Append(addr.pszPref);
-    if (addr.nCityOrder != 0) strKey += CityClassLetter(addr.pszCity);
-    Append(addr.pszCity);
-    Append(addr.pszTown);
-    Append(addr.pszArea);
-    Append(addr.pszOffice);
+    ForEachKeyText(addr, [&strKey](char const* psz) { strKey += psz; });
     return strKey;
 }
 
@@ -73,20 +124,22 @@ bool tagADDR::operator<(tagADDR const& other) const {
 }
 
 void SortAddrs(std::vector<tagADDR>& vAddr) {
-    struct CKeyed {
-        std::string strKey;
-        size_t nPlace;
-        bool operator<(CKeyed const& other) const {
-            int const nOrder = strKey.compare(other.strKey);
-            return nOrder != 0 ? nOrder < 0 : nPlace < other.nPlace;
-        }
-    };
-    std::vector<CKeyed> vKeyed;
-    vKeyed.reserve(vAddr.size());
-    for (tagADDR const& addr : vAddr) vKeyed.push_back({MakeSortKey(addr), vKeyed.size()});
-    std::sort(vKeyed.begin(), vKeyed.end());
-    std::vector<tagADDR> vSorted;
-    vSorted.reserve(vAddr.size());
-    for (CKeyed const& keyed : vKeyed) vSorted.push_back(vAddr[keyed.nPlace]);
-    vAddr.swap(vSorted);
+    if (vAddr.size() < 2) return;
+    // All keys in one block, each of whole words. The names of a damaged dictionary may all be the same long text.
+    uint64_t nWords = 0;
+    for (tagADDR const& addr : vAddr) nWords += KeyWords(addr);
+    size_t const nBytes = static_cast<size_t>(std::min<uint64_t>(nWords * WORD_BYTES, SIZE_MAX)); // which nobody has
+    std::unique_ptr<char[]> const pKeys(new char[nBytes]);
+    std::vector<CTextItem> vItem;
+    vItem.reserve(vAddr.size());
+    char* psz = pKeys.get();
+    for (tagADDR const& addr : vAddr) {
+        char const* const pszKey = psz;
+        ForEachKeyText(addr, [&psz](char const* pszText) { psz = stpcpy(psz, pszText); });
+        vItem.push_back({0, pszKey, vItem.size()});
+        *psz++ = '\0'; // also when there is no text at all
+        while (static_cast<size_t>(psz - pszKey) % WORD_BYTES != 0) *psz++ = '\0';
+    }
+    SortTexts(vItem.data(), vItem.data() + vItem.size());
+    PutInOrder(vItem.data(), vItem.size(), vAddr.data());
 }

@@ -1,15 +1,14 @@
 // AddrDic.cpp - the dictionary object: binding an image, the doors into its tables, entries as address records.
 #include "dic/AddrDic.h"
 
-#include "dic/ImageHeader.h"
-#include "dic/ImageText.h"
 #include "dic/LevelText.h"
+#include "dic/SearchMemory.h"
 #include "dic/UpwardWalk.h"
 
 CAddrDic::CAddrDic() : szOffice{} {
 #if defined(__i386__)
     // The object of the 32-bit library, its members as its callers know them.
-    static_assert(sizeof(CAddrDic) == 1276);
+    static_assert(sizeof(CAddrDic) == 1280);
     static_assert(offsetof(CAddrDic, pNodeTable) == 4 && offsetof(CAddrDic, pOfficeIndex) == 28);
     static_assert(offsetof(CAddrDic, szRefinePostCode) == 32 && offsetof(CAddrDic, szRefineAddr) == 40);
     static_assert(offsetof(CAddrDic, nSelPref) == 168 && offsetof(CAddrDic, vPrefList) == 184);
@@ -32,6 +31,7 @@ int CAddrDic::SetDictionary(unsigned char const* pDictionary) {
     vPrefPnt.clear();
     vCityPnt.clear();
     vTownPnt.clear();
+    pSearchMemory.reset();
 
     pImage = pDictionary;
     auto const Table = [pDictionary](tagHEADERWORD nWord) -> void const* {
@@ -73,7 +73,7 @@ int CAddrDic::GetAddrPtr(tagADDRINFO const* pInfo, tagADDRNODE const** ppPref, t
     if (pInfo == nullptr || ppPref == nullptr || ppCity == nullptr || ppTown == nullptr) return 0;
     *ppPref = *ppCity = *ppTown = nullptr;
     if ((pInfo->nNode & ADDRINFO_SUPERSEDED) != 0) return 0;
-    CUpwardWalk walk(*this, pInfo->nNode);
+    CUpwardWalk walk(CImageView(*this), pInfo->nNode);
     if (walk.Node() == nullptr) return 0;
     *ppTown = walk.Node();
     // From the parent on: the deepest node is the town, whatever its level, and is nothing else besides.
@@ -86,19 +86,14 @@ int CAddrDic::GetAddrPtr(tagADDRINFO const* pInfo, tagADDRNODE const** ppPref, t
 
 tagADDRNODE const* CAddrDic::GetCityNode(tagADDRINFO const* pInfo) {
     if (pInfo == nullptr) return nullptr;
-    CUpwardWalk walk(*this, pInfo->nNode & ~ADDRINFO_SUPERSEDED);
+    CUpwardWalk walk(CImageView(*this), pInfo->nNode & ~ADDRINFO_SUPERSEDED);
     while (walk.Node() != nullptr && walk.Node()->nLevel != LEVEL_CITY) walk.Next();
     return walk.Node();
 }
 
 int CAddrDic::GetAddr(tagADDRINFO const* pInfo, tagADDR* pAddr) {
     if (pInfo == nullptr || pAddr == nullptr) return 0;
-    CImageText const text(*this);
-    pAddr->pszPostCode = text.At(pInfo->nCode);
-    // The code's own NUL, not the old code behind it: callers of this operation rely on an empty text here.
-    pAddr->pszCodeExt = text.Behind(pInfo->nCode, 0);
-    for (CUpwardWalk walk(*this, pInfo->nNode & ~ADDRINFO_SUPERSEDED); walk.Node() != nullptr; walk.Next())
-        StoreLevel(text, *walk.Node(), *pAddr);
+    StoreEntry(CImageView(*this), *pInfo, *pAddr);
     return 1;
 }
 

@@ -23,6 +23,7 @@
 #include "dic/Export.h"
 #include "tree/AddrPnt.h"
 
+#include <memory>
 #include <vector>
 
 // Sort types (SetSortType): only SORT_ADDR changes anything.
@@ -60,6 +61,8 @@ enum tagSHIKUGUN : unsigned short {
 // bytes or more is always SHIKUGUN_OTHER. Returns 0 and writes nothing for null and for names below three bytes. A
 // length above 65,535 is given modulo 65,536.
 QEADRS_API unsigned short GetShikugunType(char const* pszName, unsigned short* pnType);
+
+struct CSearchMemory; // internal
 
 class QEADRS_API CAddrDic {
   public:
@@ -331,6 +334,7 @@ class QEADRS_API CAddrDic {
     std::vector<tagADDRPNT> vPrefPnt;
     std::vector<tagADDRPNT> vCityPnt;
     std::vector<tagADDRPNT> vTownPnt;
+    std::unique_ptr<CSearchMemory> pSearchMemory; // what searches keep to be quicker next time; goes with the image
 };
 
 #endif

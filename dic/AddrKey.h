@@ -14,7 +14,8 @@ int FindPrefNumber(char const* pszPref);
 std::string MakeSortKey(tagADDR const& addr);
 
 // Sorts the records as tagADDR::operator< orders them, with each key made once instead of twice per comparison.
-// Records of equal keys, such as the floors of one building, keep their order.
+// Records of equal keys, such as the floors of one building, keep their order. When memory runs out the list stays as
+// it was.
 void SortAddrs(std::vector<tagADDR>& vAddr);
 
 // The letter that groups cities of one class: 'a' for a null name and 市, 'b' 区, 'c' 区 of a 市, 'd' 町 and 'e' 村

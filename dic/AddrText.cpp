@@ -1,10 +1,9 @@
 // AddrText.cpp - address text analysis: a text cut into its levels, its latest form, its code, and what it can stand
 // for when it is only a part.
 #include "dic/AddrDic.h"
-#include "dic/ImageHeader.h"
-#include "dic/ImageText.h"
 #include "dic/LevelText.h"
 #include "dic/NameIndex.h"
+#include "dic/NameSearch.h"
 #include "dic/NodeEntry.h"
 #include "dic/NodeRange.h"
 #include "dic/SubtreeWalk.h"
@@ -22,17 +21,14 @@ char const except_word[][EXCEPT_WORD_SIZE] = {
     "独立行政法人", "",
 };
 
-// The children of the node with this index, or all nodes of a level when there is no such node.
-CNodeRange ChildrenOrLevel(CAddrDic const& dic, unsigned long nParent, tagHEADERWORD nFirst, tagHEADERWORD nCount) {
-    if (tagADDRNODE const* const pParent = dic.GetAddrNode(nParent)) return ChildrenOf(dic, *pParent);
-    return dic.GetDicPointer() == nullptr ? CNodeRange{0, 0} : LevelNodes(dic, nFirst, nCount);
+// Null for an index without a node: the level below is then searched in the whole dictionary.
+tagADDRNODE const* NodeAt(CImageView const& image, unsigned long nIndex) {
+    return nIndex < image.NodeCount() ? image.Node(static_cast<uint32_t>(nIndex)) : nullptr;
 }
 
-// Bytes that the text gives to a city name: the whole name, or the part up to its marker when the text begins with
-// that part or with what follows it. 0 when it begins with none of them.
-size_t MatchCity(char const* pszText, char const* pszName) {
-    long const nWhole = MatchName(pszText, pszName);
-    if (nWhole >= 0) return static_cast<size_t>(nWhole);
+// Bytes that the text gives to a city name that it does not begin with as a whole: those up to the name's marker when
+// it begins with that part or with what follows it. 0 when it begins with neither.
+size_t MatchFrontPart(char const* pszText, char const* pszName) {
     unsigned short nType = SHIKUGUN_OTHER;
     size_t const nPart = GetShikugunType(pszName, &nType);
     if (nPart == 0) return 0;
@@ -40,15 +36,38 @@ size_t MatchCity(char const* pszText, char const* pszName) {
     return bFits ? nPart : 0; // that of the front part, whichever of the two the text holds
 }
 
+// The longest name that the text begins with, and of that length the first one.
+CNameMatch LongestMatch(CImageView const& image, CNameMarks& marks, CNodeRange const& range, char const* pszText) {
+    CNameMatch best;
+    CNameSearch(image, marks, pszText).ForEach(range, [&](uint32_t n, CNameSearch::CName const& name) {
+        size_t nLength = 0;
+        if (name.nLength >= 0)
+            nLength = static_cast<size_t>(name.nLength);
+        else if (name.psz != nullptr && !name.bOnePart)
+            nLength = MatchFrontPart(pszText, name.psz);
+        if (nLength > best.nLength) best = {n, nLength};
+        return false;
+    });
+    return best;
+}
+
+// The first name that the text begins with and that is not empty.
+CNameMatch FirstMatch(CImageView const& image, CNameMarks& marks, CNodeRange const& range, char const* pszText) {
+    CNameMatch first;
+    CNameSearch(image, marks, pszText).ForEach(range, [&](uint32_t n, CNameSearch::CName const& name) {
+        if (name.nLength > 0) first = {n, static_cast<size_t>(name.nLength)};
+        return name.nLength > 0;
+    });
+    return first;
+}
+
 // The entry that takes the place of a superseded one; null when the dictionary is damaged.
-tagADDRINFO const* FindSuccessor(CAddrDic const& dic, CImageText const& text, tagADDRINFO const& info) {
-    char const* const pszOld = text.Behind(info.nCode, 1);
+tagADDRINFO const* FindSuccessor(CAddrDic const& dic, CImageView const& image, tagADDRINFO const& info) {
+    char const* const pszOld = image.Behind(info.nCode, 1);
     if (pszOld == nullptr) return nullptr;
-    unsigned long const nOffset = static_cast<unsigned long>(pszOld - dic.GetStrings()) + text.Length(pszOld) + 1;
-    char const* const pBegin = dic.GetString(nOffset);
-    char const* const pLast = dic.GetString(nOffset + sizeof(uint32_t) - 1);
-    if (pBegin == nullptr || pLast == nullptr) return nullptr;
-    return dic.GetAddrInfo(ReadWord(reinterpret_cast<unsigned char const*>(pBegin)));
+    size_t const nOffset = static_cast<size_t>(pszOld - dic.GetStrings()) + image.Length(pszOld) + 1;
+    if (!image.HasTextAt(nOffset + sizeof(uint32_t) - 1)) return nullptr;
+    return image.Info(ReadWord(reinterpret_cast<unsigned char const*>(dic.GetStrings() + nOffset)));
 }
 
 // Removes one legal form from the front or, when something is left before it, from the end.
@@ -74,22 +93,22 @@ bool AreSame(char const* psz, char const* pszOther) {
 }
 
 // Whether an organisation stands below the prefecture, city and town that the address names.
-bool StandsInTown(CAddrDic const& dic, CImageText const& text, tagADDRNODE const* pOffice, tagADDR const& addr) {
+bool StandsInTown(CImageView const& image, tagADDRNODE const* pOffice, tagADDR const& addr) {
     tagADDR place(0);
-    for (CUpwardWalk walk(dic, pOffice); walk.Node() != nullptr; walk.Next())
-        if (walk.Node()->nLevel <= LEVEL_TOWN) StoreLevel(text, *walk.Node(), place);
+    for (CUpwardWalk walk(image, pOffice); walk.Node() != nullptr; walk.Next())
+        if (walk.Node()->nLevel <= LEVEL_TOWN) StoreLevel(image, *walk.Node(), place);
     return AreSame(place.pszPref, addr.pszPref) && AreSame(place.pszCity, addr.pszCity) &&
            AreSame(place.pszTown, addr.pszTown);
 }
 
 // The current entries below a node, each a copy of the record with the texts of its levels. The record is not reset
 // between siblings: what one of them writes stays in those that follow.
-void CollectEntries(CAddrDic const& dic, CImageText const& text, CSubtreeWalk& walk, tagADDRNODE const& node,
-                    tagADDR const& addr, std::vector<tagADDR>& vAddr) {
+void CollectEntries(CImageView const& image, CSubtreeWalk& walk, tagADDRNODE const& node, tagADDR const& addr,
+                    std::vector<tagADDR>& vAddr) {
     walk.Below(node, addr, [&](tagADDRNODE const& child, tagADDR& current) {
-        StoreLevel(text, child, current);
-        if (!HasCurrentEntry(dic, child)) return;
-        StoreCodes(dic, text, child, current);
+        StoreLevel(image, child, current);
+        if (!HasCurrentEntry(image, child)) return;
+        StoreCodes(image, child, current);
         vAddr.push_back(current);
     });
 }
@@ -134,64 +153,67 @@ size_t FrontPartLength(char const* pszName, unsigned short* pnType) {
 
 int CAddrDic::SeparatePref(char const** ppszText, tagADDR& addr) {
     if (ppszText == nullptr || *ppszText == nullptr || pImage == nullptr) return -1;
-    CImageText const text(*this);
-    CNodeRange const range = PrefNodes(*this);
-    for (uint32_t n = range.nFirst; n < range.nEnd; ++n) {
-        tagADDRNODE const* const pNode = GetAddrNode(n);
-        char const* const pszName = text.At(pNode->nName);
-        if (pszName == nullptr) return -1;
-        long const nLength = MatchName(*ppszText, pszName);
-        if (nLength < 0) continue;
-        StoreLevel(text, LEVEL_PREF, *pNode, addr);
-        addr.pPrefNode = pNode;
-        *ppszText += nLength;
-        return static_cast<int>(n);
-    }
-    return -1;
+    CImageView const image(*this);
+    CSearchMemoryRef const memory(pSearchMemory);
+    CNameMatch match;
+    // The first one; a prefecture whose name cannot be read ends the search.
+    CNameSearch search(image, memory->marks, *ppszText);
+    search.ForEach(PrefNodes(image), [&](uint32_t n, CNameSearch::CName const& name) {
+        if (name.nLength >= 0) match = {n, static_cast<size_t>(name.nLength)};
+        return name.nLength >= 0 || name.psz == nullptr;
+    });
+    tagADDRNODE const* const pPref = image.Node(match.nNode);
+    if (pPref == nullptr) return -1;
+    StoreLevel(image, LEVEL_PREF, *pPref, addr);
+    addr.pPrefNode = pPref;
+    *ppszText += match.nLength;
+    return static_cast<int>(match.nNode);
 }
 
 int CAddrDic::SeparateCity(char const** ppszText, unsigned long nPref, tagADDR& addr) {
     if (ppszText == nullptr || *ppszText == nullptr) return -1;
-    CImageText const text(*this);
-    CNodeRange const range = ChildrenOrLevel(*this, nPref, HDR_FIRST_CITY, HDR_CITY_COUNT);
-    uint32_t nBest = ADDR_NONE;
-    size_t nBestLength = 0;
-    for (uint32_t n = range.nFirst; n < range.nEnd; ++n) {
-        char const* const pszName = text.At(GetAddrNode(n)->nName);
-        if (pszName == nullptr) continue;
-        size_t const nLength = MatchCity(*ppszText, pszName);
-        if (nLength <= nBestLength) continue;
-        nBest = n;
-        nBestLength = nLength;
+    CImageView const image(*this);
+    CSearchMemoryRef const memory(pSearchMemory);
+    CNameMatch match;
+    if (tagADDRNODE const* const pPref = NodeAt(image, nPref)) {
+        match = LongestMatch(image, memory->marks, ChildrenOf(image, *pPref), *ppszText);
+    } else {
+        CNodeRange const cities = LevelNodes(image, HDR_FIRST_CITY, HDR_CITY_COUNT);
+        CNameTable const* const pTable = memory->cities.Table(image, cities, CNameTable::InOnePart);
+        match = pTable != nullptr ? pTable->Find(image, *ppszText).longest
+                                  : LongestMatch(image, memory->marks, cities, *ppszText);
     }
-    tagADDRNODE const* const pBest = GetAddrNode(nBest);
-    if (pBest == nullptr) return -1;
-    StoreLevel(text, LEVEL_CITY, *pBest, addr);
-    addr.pCityNode = pBest;
-    StoreCodes(*this, text, *pBest, addr);
+    tagADDRNODE const* const pCity = image.Node(match.nNode);
+    if (pCity == nullptr) return -1;
+    StoreCodes(image, *pCity, addr);
+    StoreLevel(image, LEVEL_CITY, *pCity, addr);
+    addr.pCityNode = pCity;
     // The front part's length may go beyond a text that holds only what follows it; the text's end is the limit.
-    *ppszText += strnlen(*ppszText, nBestLength);
-    return static_cast<int>(nBest);
+    *ppszText += strnlen(*ppszText, match.nLength);
+    return static_cast<int>(match.nNode);
 }
 
 int CAddrDic::SeparateTown(char const** ppszText, unsigned long nCity, tagADDR& addr) {
-    if (ppszText == nullptr || *ppszText == nullptr) return -1;
-    CImageText const text(*this);
-    CNodeRange const range = ChildrenOrLevel(*this, nCity, HDR_FIRST_TOWN, HDR_TOWN_COUNT);
-    for (uint32_t n = range.nFirst; n < range.nEnd; ++n) {
-        tagADDRNODE const* const pNode = GetAddrNode(n);
-        char const* const pszName = text.At(pNode->nName);
-        if (pszName == nullptr) continue;
-        long const nLength = MatchName(*ppszText, pszName);
-        if (nLength <= 0) continue;
-        StoreLevel(text, LEVEL_TOWN, *pNode, addr);
-        addr.pTownNode = pNode;
-        StoreCodes(*this, text, *pNode, addr);
-        *ppszText += nLength;
-        addr.pszArea = *ppszText;
-        return static_cast<int>(n);
+    if (ppszText == nullptr || *ppszText == nullptr || **ppszText == '\0') return -1;
+    CImageView const image(*this);
+    CSearchMemoryRef const memory(pSearchMemory);
+    CNameMatch match;
+    if (tagADDRNODE const* const pCity = NodeAt(image, nCity)) {
+        match = FirstMatch(image, memory->marks, ChildrenOf(image, *pCity), *ppszText);
+    } else {
+        CNodeRange const towns = LevelNodes(image, HDR_FIRST_TOWN, HDR_TOWN_COUNT);
+        CNameTable const* const pTable = memory->towns.Table(image, towns, CNameTable::InAnyParts);
+        match = pTable != nullptr ? pTable->Find(image, *ppszText).first
+                                  : FirstMatch(image, memory->marks, towns, *ppszText);
     }
-    return -1;
+    tagADDRNODE const* const pTown = image.Node(match.nNode);
+    if (pTown == nullptr) return -1;
+    StoreCodes(image, *pTown, addr);
+    StoreLevel(image, LEVEL_TOWN, *pTown, addr);
+    addr.pTownNode = pTown;
+    *ppszText += match.nLength;
+    addr.pszArea = *ppszText;
+    return static_cast<int>(match.nNode);
 }
 
 namespace {
@@ -223,7 +245,7 @@ uint32_t CAddrDic::GetLatestAddr(char const* pszText, tagADDR& addr) {
     tagADDRINFO const* const pInfo = pTown == nullptr ? nullptr : GetAddrInfo(pTown->nInfo);
     if (pInfo == nullptr) return 0;
     if (!IsSuperseded(*pInfo)) return 1;
-    tagADDRINFO const* const pSuccessor = FindSuccessor(*this, CImageText(*this), *pInfo);
+    tagADDRINFO const* const pSuccessor = FindSuccessor(*this, CImageView(*this), *pInfo);
     if (pSuccessor == nullptr) return 0;
     tagADDR latest(0);
     GetAddr(pSuccessor, &latest);
@@ -256,8 +278,8 @@ int CAddrDic::SearchInc(char const* pszName) {
     char* const pszBuffer = const_cast<char*>(pszName); // the caller's own, by agreement
     EraseBlank(pszBuffer);
     RemoveLegalForm(pszBuffer);
-    CImageText const text(*this);
-    return CNameIndex(*this, text, pOfficeIndex, HDR_OFFICE_COUNT).FindFirst(pszName, CNameIndex::NotFound);
+    CImageView const image(*this);
+    return CNameIndex(image, pOfficeIndex, HDR_OFFICE_COUNT).FindFirst(CPrefix(pszName), CNameIndex::NotFound);
 }
 
 int CAddrDic::GetPostCodeFromAddr(char const* pszAddress, char const* pszOrgName, tagADDR& addr) {
@@ -265,16 +287,16 @@ int CAddrDic::GetPostCodeFromAddr(char const* pszAddress, char const* pszOrgName
     Separate(*this, &pszAddress, addr);
     int const nStart = SearchInc(pszOrgName);
     if (nStart < 0) return 1;
-    CImageText const text(*this);
-    CNameIndex const index(*this, text, pOfficeIndex, HDR_OFFICE_COUNT);
-    size_t const nLength = std::strlen(pszOrgName); // of what SearchInc has left
+    CImageView const image(*this);
+    CNameIndex const index(image, pOfficeIndex, HDR_OFFICE_COUNT);
+    CPrefix const name(pszOrgName); // what SearchInc has left
     tagADDRNODE const* pFound = nullptr;
-    for (uint32_t nPos = static_cast<uint32_t>(nStart); index.Begins(nPos, pszOrgName, nLength); ++nPos) {
+    for (auto nPos = static_cast<uint32_t>(nStart); index.Begins(nPos, name); ++nPos) {
         tagADDRNODE const* const pOffice = index.Node(nPos);
-        if (GetAddrInfo(pOffice->nInfo) == nullptr) return 0;
-        if (pFound == nullptr && StandsInTown(*this, text, pOffice, addr)) pFound = pOffice;
+        if (image.Info(pOffice->nInfo) == nullptr) return 0;
+        if (pFound == nullptr && StandsInTown(image, pOffice, addr)) pFound = pOffice;
     }
-    if (pFound != nullptr) StoreCodes(*this, text, *pFound, addr);
+    if (pFound != nullptr) StoreCodes(image, *pFound, addr);
     return 1;
 }
 
@@ -284,14 +306,14 @@ int CAddrDic::GetAfterCityName(tagADDRNODE const* pNode, char* pszBuffer) {
         return walk.Node() != nullptr && walk.Node()->nLevel != LEVEL_CITY;
     };
     // A circle of parents, which only a damaged dictionary has, would fill any buffer.
-    CUpwardWalk trial(*this, pNode);
+    CImageView const image(*this);
+    CUpwardWalk trial(image, pNode);
     while (IsBelowCity(trial)) trial.Next();
     if (trial.IsCircle()) return 1;
-    CImageText const text(*this);
-    for (CUpwardWalk walk(*this, pNode); IsBelowCity(walk); walk.Next()) {
-        char const* const pszName = text.At(walk.Node()->nName);
+    for (CUpwardWalk walk(image, pNode); IsBelowCity(walk); walk.Next()) {
+        char const* const pszName = image.At(walk.Node()->nName);
         if (pszName == nullptr) continue;
-        size_t const nLength = text.Length(pszName);
+        size_t const nLength = image.Length(pszName);
         uint8_t const nLevel = walk.Node()->nLevel;
         if (nLevel == LEVEL_TOWN || nLevel == LEVEL_BLOCK) {
             std::memmove(pszBuffer + nLength, pszBuffer, std::strlen(pszBuffer) + 1);
@@ -308,46 +330,46 @@ int CAddrDic::GetAfterCityName(tagADDRNODE const* pNode, char* pszBuffer) {
 // By value, as its callers know it. NOLINTNEXTLINE(performance-unnecessary-value-param)
 void CAddrDic::recTraceNode(tagADDRNODE const* pNode, tagADDR addr, std::vector<tagADDR>& vAddr) {
     if (pNode == nullptr || pImage == nullptr) return;
-    CImageText const text(*this);
-    CSubtreeWalk walk(*this);
-    CollectEntries(*this, text, walk, *pNode, addr, vAddr);
+    CImageView const image(*this);
+    CSubtreeWalk walk(image);
+    CollectEntries(image, walk, *pNode, addr, vAddr);
 }
 
 int CAddrDic::SearchCity(char const* pszText) {
     if (pszText == nullptr) return -1;
-    CImageText const text(*this);
-    return CNameIndex(*this, text, pCityIndex, HDR_CITY_COUNT).FindFirst(pszText, CNameIndex::Hit);
+    CImageView const image(*this);
+    return CNameIndex(image, pCityIndex, HDR_CITY_COUNT).FindFirst(CPrefix(pszText), CNameIndex::Hit);
 }
 
 void CAddrDic::GetCityFromPart(char const* pszText, std::vector<tagADDR>& vAddr) {
     int const nStart = SearchCity(pszText);
     if (nStart < 0) return;
-    CImageText const text(*this);
-    CNameIndex const index(*this, text, pCityIndex, HDR_CITY_COUNT);
-    CSubtreeWalk walk(*this);
-    size_t const nLength = std::strlen(pszText);
-    for (uint32_t nPos = static_cast<uint32_t>(nStart); index.Begins(nPos, pszText, nLength); ++nPos) {
+    CImageView const image(*this);
+    CNameIndex const index(image, pCityIndex, HDR_CITY_COUNT);
+    CSubtreeWalk walk(image);
+    CPrefix const name(pszText);
+    for (auto nPos = static_cast<uint32_t>(nStart); index.Begins(nPos, name); ++nPos) {
         tagADDRNODE const* const pCity = index.Node(nPos);
         tagADDR addr(0);
-        StoreLevel(text, LEVEL_CITY, *pCity, addr);
-        tagADDRNODE const* const pPref = GetAddrNode(pCity->nParent);
-        if (pPref != nullptr) StoreLevel(text, LEVEL_PREF, *pPref, addr);
-        CollectEntries(*this, text, walk, *pCity, addr, vAddr);
+        StoreLevel(image, LEVEL_CITY, *pCity, addr);
+        tagADDRNODE const* const pPref = image.Node(pCity->nParent);
+        if (pPref != nullptr) StoreLevel(image, LEVEL_PREF, *pPref, addr);
+        CollectEntries(image, walk, *pCity, addr, vAddr);
     }
 }
 
 void CAddrDic::GetPrefFromPart(char const* pszText, std::vector<tagADDR>& vAddr) {
     if (pszText == nullptr || pImage == nullptr) return;
-    CImageText const text(*this);
-    CSubtreeWalk walk(*this);
-    size_t const nLength = std::strlen(pszText);
-    CNodeRange const range = PrefNodes(*this);
+    CImageView const image(*this);
+    CSubtreeWalk walk(image);
+    CPrefix const name(pszText);
+    CNodeRange const range = PrefNodes(image);
     for (uint32_t n = range.nFirst; n < range.nEnd; ++n) {
-        tagADDRNODE const* const pPref = GetAddrNode(n);
-        if (text.ComparePrefix(GetString(pPref->nName), pszText, nLength) != 0) continue;
+        tagADDRNODE const* const pPref = image.Node(n);
+        if (name.Order(image, pPref->nName) != 0) continue;
         tagADDR addr(0);
-        StoreLevel(text, LEVEL_PREF, *pPref, addr);
-        CollectEntries(*this, text, walk, *pPref, addr, vAddr);
+        StoreLevel(image, LEVEL_PREF, *pPref, addr);
+        CollectEntries(image, walk, *pPref, addr, vAddr);
     }
 }
 

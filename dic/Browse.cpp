@@ -4,8 +4,7 @@
 // city or town that stands there already when its level is asked for is fixed: it is the only answer.
 #include "dic/AddrDic.h"
 #include "dic/AddrKey.h"
-#include "dic/ImageHeader.h"
-#include "dic/ImageText.h"
+#include "dic/ImageView.h"
 #include "dic/LevelText.h"
 #include "dic/NameIndex.h"
 #include "dic/NodeEntry.h"
@@ -18,18 +17,16 @@
 
 namespace {
 
-// A list record: the node's texts in the fields of a level, and the node.
-tagADDR MakeListRecord(CImageText const& text, uint8_t nLevel, tagADDRNODE const& node) {
-    tagADDR addr(0);
-    StoreLevel(text, nLevel, node, addr);
+// A list record, made where it stays: the node's texts in the fields of a level, and the node.
+tagADDR& AppendRecord(CImageView const& image, uint8_t nLevel, tagADDRNODE const& node, std::vector<tagADDR>& vAddr) {
+    tagADDR& addr = vAddr.emplace_back(0);
+    StoreLevel(image, nLevel, node, addr);
     addr.pListCity = &node;
     return addr;
 }
 
-tagADDR MakeTownRecord(CAddrDic const& dic, CImageText const& text, tagADDRNODE const& town) {
-    tagADDR addr = MakeListRecord(text, LEVEL_TOWN, town);
-    StoreCodes(dic, text, town, addr);
-    return addr;
+void AppendTown(CImageView const& image, tagADDRNODE const& town, std::vector<tagADDR>& vAddr) {
+    StoreCodes(image, town, AppendRecord(image, LEVEL_TOWN, town, vAddr));
 }
 
 // All of them or, when memory runs out, none: the list is what the next level's call reads.
@@ -65,15 +62,12 @@ bool EndsAlike(char const* psz, char const* pszOther) {
 }
 
 // The cities, in their own order, that end like the name. False when a city has no node.
-bool SearchCityEnds(CAddrDic const& dic, char const* pszName, std::vector<tagADDRNODE const*>& vNode) {
-    unsigned char const* const pImage = dic.GetDicPointer();
-    if (pImage == nullptr) return true;
-    CImageText const text(dic);
-    uint32_t const nCount = HeaderWord(pImage, HDR_CITY_COUNT);
-    CNodeRange const cities = MakeRange(dic, HeaderWord(pImage, HDR_FIRST_CITY), nCount);
+bool SearchCityEnds(CImageView const& image, char const* pszName, std::vector<tagADDRNODE const*>& vNode) {
+    uint32_t const nCount = image.Word(HDR_CITY_COUNT);
+    CNodeRange const cities = LevelNodes(image, HDR_FIRST_CITY, HDR_CITY_COUNT);
     for (uint32_t n = cities.nFirst; n < cities.nEnd; ++n) {
-        char const* const pszCity = text.At(dic.GetAddrNode(n)->nName);
-        if (pszCity != nullptr && EndsAlike(pszName, pszCity)) vNode.push_back(dic.GetAddrNode(n));
+        char const* const pszCity = image.At(image.Node(n)->nName);
+        if (pszCity != nullptr && EndsAlike(pszName, pszCity)) vNode.push_back(image.Node(n));
     }
     return cities.Count() == nCount;
 }
@@ -82,12 +76,11 @@ bool SearchCityEnds(CAddrDic const& dic, char const* pszName, std::vector<tagADD
 // behind it forwards. The walk backwards ends above position 0: the first city of the index is never found, not even
 // when the search hits it. Its order and that gap are known to callers.
 bool SearchCityIndex(CNameIndex const& index, char const* pszName, std::vector<tagADDRNODE const*>& vNode) {
-    uint32_t const nHit = index.FindAny(pszName, CNameIndex::NotFound);
+    CPrefix const prefix(pszName);
+    uint32_t const nHit = index.FindAny(prefix, CNameIndex::NotFound);
     if (nHit == ADDR_NONE) return false;
-    size_t const nLength = std::strlen(pszName);
-    for (uint32_t nPos = nHit; nPos > 0 && index.Begins(nPos, pszName, nLength); --nPos)
-        vNode.push_back(index.Node(nPos));
-    for (uint32_t nPos = nHit + 1; index.Begins(nPos, pszName, nLength); ++nPos) vNode.push_back(index.Node(nPos));
+    for (uint32_t nPos = nHit; nPos > 0 && index.Begins(nPos, prefix); --nPos) vNode.push_back(index.Node(nPos));
+    for (uint32_t nPos = nHit + 1; index.Begins(nPos, prefix); ++nPos) vNode.push_back(index.Node(nPos));
     return true;
 }
 
@@ -104,17 +97,17 @@ void CAddrDic::EmptyLists() {
 bool CAddrDic::GetPref(std::vector<tagADDR>& vAddr) {
     EmptyLists();
     if (pImage == nullptr) return true;
-    CImageText const text(*this);
+    CImageView const image(*this);
     // The larger of a damaged dictionary's counts would only fill the memory with blank records.
-    size_t const nMost = std::max<size_t>(HeaderWord(pImage, HDR_NODE_COUNT), PREF_ORDER_ROWS);
-    size_t const nCount = std::min<size_t>(HeaderWord(pImage, HDR_PREF_COUNT), nMost);
+    size_t const nMost = std::max<size_t>(image.NodeCount(), PREF_ORDER_ROWS);
+    size_t const nCount = std::min<size_t>(image.Word(HDR_PREF_COUNT), nMost);
     vAddr.insert(vAddr.end(), nCount, tagADDR(0));
     vPrefList.resize(nCount);
     int nNumber = -1;
-    CNodeRange const prefs = PrefNodes(*this);
+    CNodeRange const prefs = PrefNodes(image);
     for (uint32_t n = prefs.nFirst; n < prefs.nEnd; ++n) {
-        tagADDRNODE const* const pPref = GetAddrNode(n);
-        char const* const pszName = text.At(pPref->nName);
+        tagADDRNODE const* const pPref = image.Node(n);
+        char const* const pszName = image.At(pPref->nName);
         int const nKnown = pszName == nullptr ? -1 : FindPrefNumber(pszName);
         if (nKnown >= 0) nNumber = nKnown; // an unknown one takes the place of the one before it
         if (nNumber < 0) continue;
@@ -122,7 +115,7 @@ bool CAddrDic::GetPref(std::vector<tagADDR>& vAddr) {
         if (nSlot >= vAddr.size()) vAddr.resize(nSlot + 1, tagADDR(0));
         if (nSlot >= vPrefList.size()) vPrefList.resize(nSlot + 1);
         vAddr[nSlot].pszPref = pszName;
-        char const* const pszKana = text.Behind(pPref->nName, 1);
+        char const* const pszKana = image.Behind(pPref->nName, 1);
         if (pszKana == nullptr) return false;
         vAddr[nSlot].pszPrefKana = pszKana;
         vPrefList[nSlot] = pPref;
@@ -144,7 +137,7 @@ bool CAddrDic::GetPrefFromCity(char const* pszText, std::vector<tagADDR>& vAddr)
     }
     std::vector<tagADDRNODE const*> vCity;
     if (!SearchCity(addr.pszCity, vCity) || vCity.empty()) return false;
-    CImageText const text(*this);
+    CImageView const image(*this);
     std::unordered_set<std::string_view> vListed;
     for (tagADDR const& listed : vAddr)
         if (listed.pszPref != nullptr) vListed.insert(listed.pszPref);
@@ -152,7 +145,7 @@ bool CAddrDic::GetPrefFromCity(char const* pszText, std::vector<tagADDR>& vAddr)
         tagADDRNODE const* const pPref = GetAddrNode(pCity->nParent);
         if (pPref == nullptr) return true;
         tagADDR pref = tagADDR(0);
-        pref.pszPref = text.At(pPref->nName); // without its reading, unlike GetPref
+        pref.pszPref = image.At(pPref->nName); // without its reading, unlike GetPref
         pref.pListCity = pPref;
         if (pref.pszPref == nullptr || !vListed.insert(pref.pszPref).second) continue;
         vAddr.push_back(pref);
@@ -165,17 +158,17 @@ bool CAddrDic::GetPrefFromCity(char const* pszText, std::vector<tagADDR>& vAddr)
 
 bool CAddrDic::GetCityFromNo(unsigned long nPref, std::vector<tagADDR>& vAddr) {
     if (nPref >= vPrefList.size()) return false;
-    CImageText const text(*this);
+    CImageView const image(*this);
     if (!vCityList.empty()) {
         if (vCityList[0] == nullptr) return false;
-        vAddr.push_back(MakeListRecord(text, LEVEL_CITY, *vCityList[0]));
+        AppendRecord(image, LEVEL_CITY, *vCityList[0], vAddr);
         return true;
     }
     tagADDRNODE const* const pPref = vPrefList[nPref];
     if (pPref == nullptr) return false;
-    CNodeRange const cities = ChildrenOf(*this, *pPref);
-    for (uint32_t n = cities.nFirst; n < cities.nEnd; ++n)
-        vAddr.push_back(MakeListRecord(text, LEVEL_CITY, *GetAddrNode(n)));
+    CNodeRange const cities = ChildrenOf(image, *pPref);
+    vAddr.reserve(vAddr.size() + cities.Count());
+    for (uint32_t n = cities.nFirst; n < cities.nEnd; ++n) AppendRecord(image, LEVEL_CITY, *image.Node(n), vAddr);
     if (nSortType == SORT_ADDR) SortAddrs(vAddr);
     AppendNodes(vAddr, vCityList);
     return true;
@@ -184,28 +177,29 @@ bool CAddrDic::GetCityFromNo(unsigned long nPref, std::vector<tagADDR>& vAddr) {
 bool CAddrDic::SearchCity(char const* pszName, std::vector<tagADDRNODE const*>& vNode) {
     if (pszName == nullptr) return false;
     vNode.clear();
-    if (LacksItsFront(pszName, std::strlen(pszName))) return SearchCityEnds(*this, pszName, vNode);
-    CImageText const text(*this);
-    return SearchCityIndex(CNameIndex(*this, text, pCityIndex, HDR_CITY_COUNT), pszName, vNode);
+    CImageView const image(*this);
+    if (LacksItsFront(pszName, std::strlen(pszName))) return SearchCityEnds(image, pszName, vNode);
+    return SearchCityIndex(CNameIndex(image, pCityIndex, HDR_CITY_COUNT), pszName, vNode);
 }
 
 // --- towns ---------------------------------------------------------------------------------------------------------
 
 bool CAddrDic::GetTownFromNo(unsigned long nCity, std::vector<tagADDR>& vAddr) {
     if (nCity >= vCityList.size()) return false;
-    CImageText const text(*this);
+    CImageView const image(*this);
     if (!vTownList.empty()) {
         if (vTownList[0] == nullptr) return false;
-        vAddr.push_back(MakeTownRecord(*this, text, *vTownList[0]));
+        AppendTown(image, *vTownList[0], vAddr);
         return true;
     }
     tagADDRNODE const* const pCity = vCityList[nCity];
     if (pCity == nullptr) return false;
-    CNodeRange const towns = ChildrenOf(*this, *pCity);
+    CNodeRange const towns = ChildrenOf(image, *pCity);
+    vAddr.reserve(vAddr.size() + towns.Count());
     for (uint32_t n = towns.nFirst; n < towns.nEnd; ++n) {
-        tagADDR const town = MakeTownRecord(*this, text, *GetAddrNode(n));
+        char const* const pszTown = image.At(image.Node(n)->nName);
         // One without a name stands for the city as a whole.
-        if (town.pszTown != nullptr && *town.pszTown != '\0') vAddr.push_back(town);
+        if (pszTown != nullptr && *pszTown != '\0') AppendTown(image, *image.Node(n), vAddr);
     }
     if (towns.Count() < pCity->nChildCount) return false; // a child has no node
     if (nSortType == SORT_ADDR) SortAddrs(vAddr);
@@ -224,6 +218,7 @@ bool CAddrDic::GetTownExFromNo(unsigned long nCity, std::vector<tagADDR>& vAddr)
 
 void CAddrDic::recCollectNode(tagADDRNODE const* pNode, std::vector<tagADDRNODE const*>& vNode) {
     if (pNode == nullptr || pImage == nullptr) return;
-    CSubtreeWalk walk(*this);
-    CollectCurrent(*this, walk, *pNode, vNode);
+    CImageView const image(*this);
+    CSubtreeWalk walk(image);
+    CollectCurrent(image, walk, *pNode, vNode);
 }

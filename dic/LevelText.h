@@ -3,14 +3,14 @@
 #define QEADRS_DIC_LEVELTEXT_H
 
 #include "dic/Addr.h"
-#include "dic/ImageText.h"
+#include "dic/ImageView.h"
+#include "dic/UpwardWalk.h"
 
 // Writes the node's name and reading into the record's fields of a level. A note has a name only; a grouping level
 // and levels that nobody knows have no field at all.
-inline void StoreLevel(CImageText const& text, uint8_t nLevel, tagADDRNODE const& node, tagADDR& addr) {
+inline void StoreLevel(CImageView const& image, uint8_t nLevel, tagADDRNODE const& node, tagADDR& addr) {
     auto const Take = [&](char const*& pszName, char const*& pszKana) {
-        pszName = text.At(node.nName);
-        pszKana = text.Behind(node.nName, 1);
+        image.TakePair(node.nName, pszName, pszKana);
     };
     switch (nLevel) {
     case LEVEL_PREF:
@@ -24,7 +24,7 @@ inline void StoreLevel(CImageText const& text, uint8_t nLevel, tagADDRNODE const
     case LEVEL_BLOCK:
         return Take(addr.pszBlock, addr.pszBlockKana);
     case LEVEL_NOTE:
-        addr.pszNote = text.At(node.nName);
+        addr.pszNote = image.At(node.nName);
         return;
     case LEVEL_OFFICE:
         return Take(addr.pszOffice, addr.pszOfficeKana);
@@ -34,8 +34,25 @@ inline void StoreLevel(CImageText const& text, uint8_t nLevel, tagADDRNODE const
 }
 
 // The same into the fields of the node's own level.
-inline void StoreLevel(CImageText const& text, tagADDRNODE const& node, tagADDR& addr) {
-    StoreLevel(text, node.nLevel, node, addr);
+inline void StoreLevel(CImageView const& image, tagADDRNODE const& node, tagADDR& addr) {
+    StoreLevel(image, node.nLevel, node, addr);
+}
+
+// Writes the texts of an entry, those of all its levels and its code, with an empty old code. Returns its city node:
+// the first of that level on the way up, null when there is none.
+inline tagADDRNODE const* StoreEntry(CImageView const& image, tagADDRINFO const& info, tagADDR& addr) {
+    addr.pszPostCode = image.At(info.nCode);
+    // The code's own NUL, not the old code behind it: callers of this operation rely on an empty text here.
+    addr.pszCodeExt = image.Behind(info.nCode, 0);
+    // The names lie apart: all are on their way before the first one is measured.
+    for (CUpwardWalk walk(image, info.nNode & ~ADDRINFO_SUPERSEDED); walk.Node() != nullptr; walk.Next())
+        image.FetchText(walk.Node()->nName);
+    tagADDRNODE const* pCity = nullptr;
+    for (CUpwardWalk walk(image, info.nNode & ~ADDRINFO_SUPERSEDED); walk.Node() != nullptr; walk.Next()) {
+        StoreLevel(image, *walk.Node(), addr);
+        if (pCity == nullptr && walk.Node()->nLevel == LEVEL_CITY) pCity = walk.Node();
+    }
+    return pCity;
 }
 
 #endif

@@ -2,8 +2,7 @@
 #ifndef QEADRS_DIC_NODEENTRY_H
 #define QEADRS_DIC_NODEENTRY_H
 
-#include "dic/AddrDic.h"
-#include "dic/ImageText.h"
+#include "dic/ImageView.h"
 #include "dic/SubtreeWalk.h"
 
 inline bool IsSuperseded(tagADDRINFO const& info) {
@@ -11,28 +10,28 @@ inline bool IsSuperseded(tagADDRINFO const& info) {
 }
 
 // Whether the node has an entry, and one of today.
-inline bool HasCurrentEntry(CAddrDic const& dic, tagADDRNODE const& node) {
-    tagADDRINFO const* const pInfo = dic.GetAddrInfo(node.nInfo);
+inline bool HasCurrentEntry(CImageView const& image, tagADDRNODE const& node) {
+    tagADDRINFO const* const pInfo = image.Info(node.nInfo);
     return pInfo != nullptr && !IsSuperseded(*pInfo);
 }
 
 // Appends the node and all below it that have a current entry, parents first.
-inline void CollectCurrent(CAddrDic const& dic, CSubtreeWalk& walk, tagADDRNODE const& node,
+inline void CollectCurrent(CImageView const& image, CSubtreeWalk& walk, tagADDRNODE const& node,
                            std::vector<tagADDRNODE const*>& vNode) {
     struct CNothing {};
     auto const Collect = [&](tagADDRNODE const& found, CNothing) {
-        if (HasCurrentEntry(dic, found)) vNode.push_back(&found);
+        if (HasCurrentEntry(image, found)) vNode.push_back(&found);
     };
     Collect(node, {});
     walk.Below(node, CNothing(), Collect);
 }
 
 // Writes the codes of the node's entry into the record; without an entry its fields stay.
-inline void StoreCodes(CAddrDic const& dic, CImageText const& text, tagADDRNODE const& node, tagADDR& addr) {
-    tagADDRINFO const* const pInfo = dic.GetAddrInfo(node.nInfo);
+inline void StoreCodes(CImageView const& image, tagADDRNODE const& node, tagADDR& addr) {
+    tagADDRINFO const* const pInfo = image.Info(node.nInfo);
     if (pInfo == nullptr) return;
-    addr.pszPostCode = text.At(pInfo->nCode);
-    addr.pszCodeExt = text.Behind(pInfo->nCode, 1); // the old code, other than GetAddr
+    addr.pszPostCode = image.At(pInfo->nCode);
+    addr.pszCodeExt = image.Behind(pInfo->nCode, 1); // the old code, other than StoreEntry
 }
 
 #endif

@@ -2,8 +2,7 @@
 #ifndef QEADRS_DIC_NODERANGE_H
 #define QEADRS_DIC_NODERANGE_H
 
-#include "dic/AddrDic.h"
-#include "dic/ImageHeader.h"
+#include "dic/ImageView.h"
 
 #include <algorithm>
 
@@ -15,25 +14,23 @@ struct CNodeRange {
     uint32_t Count() const { return nEnd - nFirst; }
 };
 
-// REQUIRES: an image is bound.
-inline CNodeRange MakeRange(CAddrDic const& dic, uint32_t nFirst, uint32_t nCount) {
-    uint32_t const nNodes = HeaderWord(dic.GetDicPointer(), HDR_NODE_COUNT);
+inline CNodeRange MakeRange(CImageView const& image, uint32_t nFirst, uint32_t nCount) {
+    uint32_t const nNodes = image.NodeCount();
     nFirst = std::min(nFirst, nNodes);
     return {nFirst, nFirst + std::min(nCount, nNodes - nFirst)};
 }
 
-inline CNodeRange ChildrenOf(CAddrDic const& dic, tagADDRNODE const& node) {
-    return MakeRange(dic, node.nFirstChild, node.nChildCount);
+inline CNodeRange ChildrenOf(CImageView const& image, tagADDRNODE const& node) {
+    return MakeRange(image, node.nFirstChild, node.nChildCount);
 }
 
-// All nodes of a level, by the header words that tell the first one and their number. REQUIRES: an image is bound.
-inline CNodeRange LevelNodes(CAddrDic const& dic, tagHEADERWORD nFirst, tagHEADERWORD nCount) {
-    unsigned char const* const pImage = dic.GetDicPointer();
-    return MakeRange(dic, HeaderWord(pImage, nFirst), HeaderWord(pImage, nCount));
+// All nodes of a level, by the header words that tell the first one and their number.
+inline CNodeRange LevelNodes(CImageView const& image, tagHEADERWORD nFirst, tagHEADERWORD nCount) {
+    return image.Image() == nullptr ? CNodeRange{0, 0} : MakeRange(image, image.Word(nFirst), image.Word(nCount));
 }
 
-inline CNodeRange PrefNodes(CAddrDic const& dic) {
-    return LevelNodes(dic, HDR_FIRST_PREF, HDR_PREF_COUNT);
+inline CNodeRange PrefNodes(CImageView const& image) {
+    return LevelNodes(image, HDR_FIRST_PREF, HDR_PREF_COUNT);
 }
 
 #endif

@@ -1,23 +1,48 @@
 // PostCode.cpp - postal-code lookup: from a code in any spelling to the addresses filed under it.
 #include "dic/AddrDic.h"
 #include "dic/AddrKey.h"
-#include "dic/ImageHeader.h"
-#include "dic/ImageText.h"
+#include "dic/LevelText.h"
+#include "dic/Prefix.h"
+#include "dic/SearchMemory.h"
 #include "platform/Win32Compat.h"
 
+#include <algorithm>
 #include <string>
 
 namespace {
 
 // Entries that one old-code lookup examines. The dictionary keeps the entries of an old code near the 7-digit codes
 // that begin with it, so that this bound is generous; it is what a caller waits for at most.
-constexpr unsigned long OLD_CODE_SCAN = 10000;
+constexpr uint32_t OLD_CODE_SCAN = 10000;
 
 char const NO_OFFICE[] = "会社名なし";
 
 // "?" and "*" pass the normalisation but match only themselves.
 bool IsCodeCharacter(unsigned c) {
     return (c >= '0' && c <= '9') || c == '?' || c == '*';
+}
+
+// Entries among which the last steps of a search go on. One after the other these steps would wait for most of the
+// cache lines that the records and codes of so few entries fill, so all are fetched at once.
+constexpr uint32_t FETCHED_ENTRIES = 48;
+
+// Bytes from code to code, as our compiler has them: side by side in the order of the entries. Any other order costs
+// time only.
+constexpr size_t CODE_DISTANCE = 14;
+
+void FetchLines(void const* p, size_t nBytes) {
+    constexpr size_t LINE = 64;
+    for (size_t n = 0; n < nBytes; n += LINE) __builtin_prefetch(static_cast<char const*>(p) + n);
+}
+
+// REQUIRES: the middle is an entry.
+void FetchEntries(CImageView const& image, CBisection const& at) {
+    if (image.Info(at.nHigh) == nullptr) return;
+    FetchLines(image.Info(at.nLow), (at.nHigh - at.nLow + 1) * sizeof(tagADDRINFO));
+    size_t const nCode = image.Info(at.nMiddle)->nCode;
+    size_t const nBefore = std::min(nCode, (at.nMiddle - at.nLow) * CODE_DISTANCE);
+    size_t const nBehind = (at.nHigh - at.nMiddle + 1) * CODE_DISTANCE;
+    if (image.HasTextAt(nCode)) FetchLines(image.Area() + (nCode - nBefore), nBefore + nBehind);
 }
 
 } // namespace
@@ -40,60 +65,88 @@ void CAddrDic::MakePostCode(char* pszText) {
     *pszOut = '\0';
 }
 
+namespace {
+
 // The probes are part of what callers can observe on an unsorted table: the first at (count - 1) / 2, then always the
-// middle of what is left, rounded down. The ends are unsigned: below entry 0 the upper one wraps, and the probe that
-// follows meets no entry.
+// middle of what is left, rounded down. A code outside the string area, which only a damaged dictionary has, counts as
+// empty.
+long FindFirstEntry(CImageView const& image, CPrefix const& code, CCodeProbes& probes) {
+    if (image.Image() == nullptr) return -1;
+    CBisection at(image.InfoCount() - 1);
+    bool bFetched = false;
+    for (;;) {
+        if (!probes.GoKnownSteps(code, at)) return -1;
+        tagADDRINFO const* const pInfo = image.Info(at.nMiddle);
+        if (pInfo == nullptr) return -1;
+        if (!bFetched && at.nHigh - at.nLow < FETCHED_ENTRIES) {
+            FetchEntries(image, at);
+            bFetched = true;
+        }
+        probes.Keep(image, pInfo->nCode, at.nPlace);
+        int const nOrder = code.Order(image, pInfo->nCode);
+        if (nOrder == 0) break;
+        if (!at.Narrow(nOrder < 0)) return -1;
+    }
+    uint32_t nFirst = at.nMiddle;
+    while (nFirst > 0 && code.Order(image, image.Info(nFirst - 1)->nCode) == 0) --nFirst;
+    return static_cast<long>(nFirst);
+}
+
+} // namespace
+
 long CAddrDic::SearchPostCode7(char const* pszCode) {
     if (pszCode == nullptr || *pszCode == '\0') return 0;
-    CImageText const text(*this);
-    size_t const nLength = std::strlen(pszCode);
-    // Order of an entry's code against pszCode, as far as pszCode goes. A code outside the string area, which only a
-    // damaged dictionary has, counts as empty.
-    auto const Compare = [&](tagADDRINFO const* pInfo) {
-        return text.ComparePrefix(GetString(pInfo->nCode), pszCode, nLength);
-    };
-    uint32_t nLow = 0;
-    uint32_t nHigh = pImage == nullptr ? 0 : HeaderWord(pImage, HDR_INFO_COUNT) - 1;
-    uint32_t nMiddle = nHigh / 2;
-    for (;;) {
-        tagADDRINFO const* const pInfo = GetAddrInfo(nMiddle);
-        if (pInfo == nullptr) return -1;
-        int const nOrder = Compare(pInfo);
-        if (nOrder == 0) break;
-        if (nOrder > 0)
-            nHigh = nMiddle - 1;
-        else
-            nLow = nMiddle + 1;
-        if (nLow > nHigh) return -1;
-        nMiddle = static_cast<uint32_t>((static_cast<uint64_t>(nLow) + nHigh) / 2);
-    }
-    while (nMiddle > 0 && Compare(GetAddrInfo(nMiddle - 1)) == 0) --nMiddle;
-    return static_cast<long>(nMiddle);
+    return FindFirstEntry(CImageView(*this), CPrefix(pszCode), CSearchMemoryRef(pSearchMemory)->probes);
 }
+
+namespace {
+
+// A digit stands for itself in every code page; a text of nothing else is normalised already.
+bool IsNormalised(char const* pszCode) {
+    while (*pszCode >= '0' && *pszCode <= '9') ++pszCode;
+    return *pszCode == '\0';
+}
+
+// Behind the last of the entries from nFirst on whose codes begin with the text.
+uint32_t EndOfRun(CImageView const& image, uint32_t nFirst, CPrefix const& code) {
+    uint32_t nEnd = nFirst;
+    while (nEnd < image.InfoCount() && code.Order(image, image.Info(nEnd)->nCode) == 0) ++nEnd;
+    return nEnd;
+}
+
+// Room for nMore records at once, and twice what there was at least.
+void MakeRoom(std::vector<tagADDR>& vAddr, size_t nMore) {
+    if (vAddr.capacity() - vAddr.size() < nMore) vAddr.reserve(std::max(vAddr.size() + nMore, 2 * vAddr.capacity()));
+}
+
+} // namespace
 
 int CAddrDic::GetAddrFromPostCode7(char const* pszCode, std::vector<tagADDR>& vAddr) {
     if (pszCode == nullptr || *pszCode == '\0') return 0;
-    std::string strCode = pszCode;
-    MakePostCode(strCode.data());
-    strCode.resize(std::strlen(strCode.c_str()));
-    if (strCode.empty()) return 0;
-    long const nStart = SearchPostCode7(strCode.c_str());
+    std::string strCode;
+    if (!IsNormalised(pszCode)) {
+        strCode = pszCode;
+        MakePostCode(strCode.data());
+        pszCode = strCode.c_str();
+        if (*pszCode == '\0') return 0;
+    }
+    CImageView const image(*this);
+    CPrefix const code(pszCode);
+    long const nStart = FindFirstEntry(image, code, CSearchMemoryRef(pSearchMemory)->probes);
     if (nStart < 0) return 0;
 
     vCityList.clear();
     pszLastOffice = nullptr;
-    CImageText const text(*this);
-    for (unsigned long nIndex = static_cast<unsigned long>(nStart);; ++nIndex) {
-        tagADDRINFO const* const pInfo = GetAddrInfo(nIndex);
-        if (pInfo == nullptr || text.ComparePrefix(GetString(pInfo->nCode), strCode.c_str(), strCode.size()) != 0)
-            break;
-        tagADDR addr(0);
-        GetAddr(pInfo, &addr);
-        if (addr.pszTown == nullptr) continue;
-        addr.pListCity = GetCityNode(pInfo);
-        if (addr.pListCity == nullptr) continue;
-        if (addr.pszOffice != nullptr) pszLastOffice = addr.pszOffice;
-        vAddr.push_back(addr);
+    auto const nFirst = static_cast<uint32_t>(nStart);
+    uint32_t const nEnd = EndOfRun(image, nFirst, code);
+    MakeRoom(vAddr, nEnd - nFirst);
+    for (uint32_t nIndex = nFirst; nIndex < nEnd; ++nIndex) {
+        tagADDR& addr = vAddr.emplace_back(0);
+        addr.pListCity = StoreEntry(image, *image.Info(nIndex), addr);
+        if (addr.pszTown == nullptr || addr.pListCity == nullptr)
+            vAddr.pop_back();
+        else if (addr.pszOffice != nullptr)
+            pszLastOffice = addr.pszOffice;
     }
     if (nSortType == SORT_ADDR) SortAddrs(vAddr);
     for (tagADDR const& addr : vAddr)
@@ -104,31 +157,62 @@ int CAddrDic::GetAddrFromPostCode7(char const* pszCode, std::vector<tagADDR>& vA
 
 // The copy that stays readable after the image is gone; a longer name is cut to the buffer.
 void CAddrDic::KeepOfficeText() {
-    char const* const psz = pszLastOffice != nullptr ? pszLastOffice : NO_OFFICE;
-    size_t const nLength = strnlen(psz, sizeof szOffice - 1);
-    std::memcpy(szOffice, psz, nLength);
+    if (pszLastOffice == nullptr) {
+        std::memcpy(szOffice, NO_OFFICE, sizeof NO_OFFICE);
+        return;
+    }
+    size_t const nLength = strnlen(pszLastOffice, sizeof szOffice - 1);
+    std::memcpy(szOffice, pszLastOffice, nLength);
     szOffice[nLength] = '\0';
 }
+
+namespace {
+
+// An old code that entries are compared with.
+class COldCode {
+  public:
+    explicit COldCode(char const* psz)
+        : m_psz(psz),
+          m_nLength(std::strlen(psz)),
+          m_nWord(FirstWordOfText(psz)),
+          m_nMask(m_nLength >= WORD_BYTES ? ~uint64_t{0} : ~uint64_t{0} >> 8 * (WORD_BYTES - 1 - m_nLength)) {}
+
+    // Whether it is the old code of the entry. An entry without a readable one may have any.
+    bool MayBelongTo(CImageView const& image, tagADDRINFO const& info) const {
+        // Behind a code of seven digits, the rule, it stands in the next word; most differ there.
+        if (image.HasWordAt(info.nCode) && image.HasWordAt(info.nCode + WORD_BYTES) &&
+            ZeroBytes(image.WordAt(info.nCode)) == SEVEN_BYTES && m_nLength < WORD_BYTES)
+            return (image.WordAt(info.nCode + WORD_BYTES) & m_nMask) == m_nWord;
+        char const* const pszOld = image.Behind(info.nCode, 1);
+        return pszOld == nullptr || std::strcmp(pszOld, m_psz) == 0;
+    }
+
+  private:
+    static constexpr uint64_t SEVEN_BYTES = uint64_t{0x80} << 56; // the NUL is the eighth byte
+
+    char const* m_psz;
+    size_t m_nLength;
+    uint64_t m_nWord;
+    uint64_t m_nMask; // the bytes of a word that the text and its NUL cover
+};
+
+} // namespace
 
 int CAddrDic::GetAddrFromPostCode5(char const* pszCode, std::vector<tagADDR>& vAddr) {
     if (pszCode == nullptr) return 0;
     long const nStart = SearchPostCode7(pszCode);
     if (nStart < 0) return 0;
     vCityList.clear();
-    CImageText const text(*this);
-    unsigned long const nInfo = pImage == nullptr ? 0 : HeaderWord(pImage, HDR_INFO_COUNT);
-    unsigned long const nFirst = static_cast<unsigned long>(nStart);
+    CImageView const image(*this);
+    COldCode const code(pszCode);
+    auto const nFirst = static_cast<uint32_t>(nStart);
     // The matches need not stand side by side, so the scan does not stop at the first entry that differs.
-    for (unsigned long nIndex = nFirst; nIndex < nInfo && nIndex - nFirst < OLD_CODE_SCAN; ++nIndex) {
-        tagADDRINFO const* const pInfo = GetAddrInfo(nIndex);
-        if (pInfo == nullptr) return 0;
-        char const* const pszOld = text.Behind(pInfo->nCode, 1);
-        if (pszOld != nullptr && std::strcmp(pszOld, pszCode) != 0) continue;
-        tagADDR addr(0);
-        GetAddr(pInfo, &addr);
-        tagADDRNODE const* const pCity = GetCityNode(pInfo);
+    for (uint32_t nIndex = nFirst; nIndex < image.InfoCount() && nIndex - nFirst < OLD_CODE_SCAN; ++nIndex) {
+        tagADDRINFO const& info = *image.Info(nIndex);
+        if (!code.MayBelongTo(image, info)) continue;
+        tagADDR& addr = vAddr.emplace_back(0);
+        tagADDRNODE const* const pCity = StoreEntry(image, info, addr);
         if (vCityList.empty() || vCityList.back() != pCity) vCityList.push_back(pCity);
-        vAddr.push_back(addr);
     }
     return 1;
 }

@@ -9,15 +9,11 @@
 #ifndef QEADRS_DIC_SUBTREEWALK_H
 #define QEADRS_DIC_SUBTREEWALK_H
 
-#include "dic/AddrDic.h"
-#include "dic/ImageHeader.h"
 #include "dic/NodeRange.h"
 
 class CSubtreeWalk {
   public:
-    // REQUIRES: an image is bound.
-    explicit CSubtreeWalk(CAddrDic const& owner)
-        : m_owner(owner), m_nLeft(HeaderWord(owner.GetDicPointer(), HDR_NODE_COUNT)) {}
+    explicit CSubtreeWalk(CImageView const& image) : m_image(image), m_nLeft(image.NodeCount()) {}
 
     // Visits every node below this one with the state of its parents. The siblings of one parent share one copy: what
     // the visit of one writes stays for those that follow, and goes down to its own children.
@@ -44,17 +40,17 @@ class CSubtreeWalk {
     void Descend(tagADDRNODE const& node, TState state, FVisit const& visit, CPath const* pAbove, unsigned nDepth) {
         if (node.nFirstChild == ADDR_NONE || node.nChildCount == 0 || nDepth == MAX_DEPTH) return;
         CPath const path = {&node, pAbove};
-        CNodeRange const children = ChildrenOf(m_owner, node);
+        CNodeRange const children = ChildrenOf(m_image, node);
         for (uint32_t n = children.nFirst; n < children.nEnd && m_nLeft > 0; ++n) {
             --m_nLeft; // before the child is walked: its own walk may use up the rest
-            tagADDRNODE const& child = *m_owner.GetAddrNode(n);
+            tagADDRNODE const& child = *m_image.Node(n);
             if (child.nChildCount != 0 && LiesOn(&path, &child)) continue;
             visit(child, state);
             if (child.nChildCount != 0) Descend(child, state, visit, &path, nDepth + 1);
         }
     }
 
-    CAddrDic const& m_owner;
+    CImageView m_image;
     uint32_t m_nLeft;
 };
 

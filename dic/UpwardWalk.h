@@ -7,8 +7,7 @@
 #ifndef QEADRS_DIC_UPWARDWALK_H
 #define QEADRS_DIC_UPWARDWALK_H
 
-#include "dic/AddrDic.h"
-#include "dic/ImageHeader.h"
+#include "dic/ImageView.h"
 
 #include <algorithm>
 
@@ -16,23 +15,19 @@ class CUpwardWalk {
   public:
     static constexpr uint32_t MAX_STEPS = 256;
 
-    CUpwardWalk(CAddrDic const& owner, tagADDRNODE const* pNode)
-        : m_owner(owner),
-          m_pNode(pNode),
-          m_nLeft(owner.GetDicPointer() == nullptr
-                      ? 0
-                      : std::min(HeaderWord(owner.GetDicPointer(), HDR_NODE_COUNT), MAX_STEPS)) {}
-    CUpwardWalk(CAddrDic const& owner, uint32_t nNode) : CUpwardWalk(owner, owner.GetAddrNode(nNode)) {}
+    CUpwardWalk(CImageView const& image, tagADDRNODE const* pNode)
+        : m_image(image), m_pNode(pNode), m_nLeft(std::min(image.NodeCount(), MAX_STEPS)) {}
+    CUpwardWalk(CImageView const& image, uint32_t nNode) : CUpwardWalk(image, image.Node(nNode)) {}
 
     tagADDRNODE const* Node() const { return m_pNode; } // null at the end
     void Next() {
-        m_pNode = m_owner.GetAddrNode(m_pNode->nParent);
+        m_pNode = m_image.Node(m_pNode->nParent);
         if (m_pNode != nullptr && --m_nLeft == 0) m_pNode = nullptr;
     }
     bool IsCircle() const { return m_nLeft == 0; } // at the end: the walk was cut off, no root was met
 
   private:
-    CAddrDic const& m_owner;
+    CImageView m_image;
     tagADDRNODE const* m_pNode;
     uint32_t m_nLeft;
 };

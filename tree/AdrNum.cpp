@@ -2,8 +2,7 @@
 //
 // While the refinement tree holds something, the lists are its levels; else they are those of the whole dictionary.
 #include "dic/AddrDic.h"
-#include "dic/ImageHeader.h"
-#include "dic/ImageText.h"
+#include "dic/ImageView.h"
 #include "dic/NodeEntry.h"
 #include "dic/NodeRange.h"
 #include "dic/UpwardWalk.h"
@@ -48,12 +47,12 @@ struct CField {
 };
 
 // A text of the image; null counts as "".
-std::string_view View(CImageText const& text, char const* psz) {
-    return std::string_view(psz, text.Length(psz));
+std::string_view View(CImageView const& image, char const* psz) {
+    return std::string_view(psz, image.Length(psz));
 }
 
-std::string_view NameOf(CImageText const& text, tagADDRNODE const* pNode) {
-    return pNode == nullptr ? "" : View(text, text.At(pNode->nName));
+std::string_view NameOf(CImageView const& image, tagADDRNODE const* pNode) {
+    return pNode == nullptr ? "" : View(image, image.At(pNode->nName));
 }
 
 // A display name without its prefix.
@@ -73,28 +72,34 @@ short Truncated(size_t n) {
 
 using CNodes = std::vector<tagADDRNODE const*>;
 
-// A list of these nodes, sorted by display name.
-std::vector<tagADDRPNT> MakeEntries(CAddrDic const& dic, CImageText const& text, CNodes const& vNode) {
-    std::vector<tagADDRPNT> vEntry;
-    vEntry.reserve(vNode.size());
-    for (tagADDRNODE const* const pNode : vNode) vEntry.push_back(MakeEntry(dic, text, *pNode));
-    std::sort(vEntry.begin(), vEntry.end());
-    return vEntry;
+// Makes vEntry a list of these nodes, sorted by display name. Its memory is used again; when there is not enough, it
+// stays as it was.
+void FillEntries(CImageView const& image, CNodes const& vNode, std::vector<tagADDRPNT>& vEntry) {
+    if (vEntry.capacity() < vNode.size()) {
+        std::vector<tagADDRPNT> vLarger;
+        vLarger.reserve(vNode.size());
+        vEntry.swap(vLarger);
+    }
+    vEntry.clear();
+    CEntryWriter writer(image);
+    for (tagADDRNODE const* const pNode : vNode) writer.Append(*pNode, vEntry);
+    SortEntries(vEntry);
 }
 
-CNodes NodesOf(CAddrDic const& dic, CNodeRange const& range) {
+CNodes NodesOf(CImageView const& image, CNodeRange const& range) {
     CNodes vNode;
     vNode.reserve(range.Count());
-    for (uint32_t n = range.nFirst; n < range.nEnd; ++n) vNode.push_back(dic.GetAddrNode(n));
+    for (uint32_t n = range.nFirst; n < range.nEnd; ++n) vNode.push_back(image.Node(n));
     return vNode;
 }
 
 // The nodes of current entries below a city.
-CNodes TownsOf(CAddrDic const& dic, tagADDRNODE const& city) {
-    CSubtreeWalk walk(dic);
+CNodes TownsOf(CImageView const& image, tagADDRNODE const& city) {
+    CSubtreeWalk walk(image);
     CNodes vNode;
-    for (tagADDRNODE const* const pChild : NodesOf(dic, ChildrenOf(dic, city)))
-        CollectCurrent(dic, walk, *pChild, vNode);
+    CNodeRange const children = ChildrenOf(image, city);
+    vNode.reserve(children.Count()); // mostly one for each
+    for (uint32_t n = children.nFirst; n < children.nEnd; ++n) CollectCurrent(image, walk, *image.Node(n), vNode);
     return vNode;
 }
 
@@ -130,16 +135,16 @@ bool CAddrDic::CountTree(int nPref, int nCity, int nTown, short* pnPref, short* 
 
 bool CAddrDic::CountLists(int nPref, int nCity, int nTown, short* pnPref, short* pnCity, short* pnTown) {
     if (pImage == nullptr) return false;
-    CImageText const text(*this);
-    vPrefPnt = MakeEntries(*this, text, NodesOf(*this, PrefNodes(*this)));
-    *pnPref = Truncated(HeaderWord(pImage, HDR_PREF_COUNT));
+    CImageView const image(*this);
+    FillEntries(image, NodesOf(image, PrefNodes(image)), vPrefPnt);
+    *pnPref = Truncated(image.Word(HDR_PREF_COUNT));
     if (nSelPref != nPref || vCityPnt.empty()) {
         tagADDRPNT const* const pPref = At(vPrefPnt, nPref);
         if (pPref == nullptr) return false;
-        std::vector<tagADDRPNT> vCity = MakeEntries(*this, text, NodesOf(*this, ChildrenOf(*this, *pPref->pNode)));
-        std::vector<tagADDRPNT> vTown;
+        std::vector<tagADDRPNT> vCity, vTown;
+        FillEntries(image, NodesOf(image, ChildrenOf(image, *pPref->pNode)), vCity);
         // Another prefecture begins at its first city, whichever was asked for.
-        if (!vCity.empty()) vTown = MakeEntries(*this, text, TownsOf(*this, *vCity[0].pNode));
+        if (!vCity.empty()) FillEntries(image, TownsOf(image, *vCity[0].pNode), vTown);
         vCityPnt.swap(vCity); // both or, when memory runs out, none
         vTownPnt.swap(vTown);
         if (vCityPnt.empty()) return false;
@@ -147,7 +152,7 @@ bool CAddrDic::CountLists(int nPref, int nCity, int nTown, short* pnPref, short*
         tagADDRPNT const* const pCity = At(vCityPnt, nCity);
         *pnCity = Truncated(vCityPnt.size());
         if (pCity == nullptr) return false;
-        vTownPnt = MakeEntries(*this, text, TownsOf(*this, *pCity->pNode));
+        FillEntries(image, TownsOf(image, *pCity->pNode), vTownPnt);
     }
     *pnCity = Truncated(vCityPnt.size());
     *pnTown = Truncated(vTownPnt.size());
@@ -170,7 +175,7 @@ bool CAddrDic::GetAtPref(int nIndex, char* pszName, int nNameSize) {
     bool const bTree = !vRefineTree.empty();
     tagADDRPNT const* const pEntry = At(bTree ? vRefineTree : vPrefPnt, nIndex);
     if (pEntry == nullptr) return false;
-    name.Set(bTree ? NameOf(CImageText(*this), pEntry->pNode) : ShownName(*pEntry, PREF_PREFIX));
+    name.Set(bTree ? NameOf(CImageView(*this), pEntry->pNode) : ShownName(*pEntry, PREF_PREFIX));
     return true;
 }
 
@@ -182,7 +187,7 @@ bool CAddrDic::GetAtCity(int nIndex, char* pszName, int nNameSize, int* pnType) 
     if (!vRefineTree.empty()) {
         tagADDRPNT const* const pPref = At(vRefineTree, nSelPref);
         tagADDRPNT const* const pEntry = pPref == nullptr ? nullptr : At(pPref->vChild, nIndex);
-        if (pEntry != nullptr) name.Set(NameOf(CImageText(*this), pEntry->pNode));
+        if (pEntry != nullptr) name.Set(NameOf(CImageView(*this), pEntry->pNode));
     } else {
         tagADDRPNT const* const pEntry = At(vCityPnt, nIndex);
         if (pEntry == nullptr) return false;
@@ -237,16 +242,16 @@ bool CAddrDic::GetAtTown(int nIndex, char* pszTown, int nTownSize, char* pszDeta
     tagADDRPNT const* const pEntry = FindTown(nIndex);
     if (pEntry == nullptr || pEntry->pNode == nullptr) return false;
 
-    CImageText const text(*this);
+    CImageView const image(*this);
     tagADDR codes(0);
-    StoreCodes(*this, text, *pEntry->pNode, codes);
-    code7.Set(View(text, codes.pszPostCode));
-    code5.Set(View(text, codes.pszCodeExt));
-    town.Set(NameOf(text, pEntry->pNode));
-    for (CUpwardWalk walk(*this, pEntry->pNode); walk.Node() != nullptr; walk.Next()) {
+    StoreCodes(image, *pEntry->pNode, codes);
+    code7.Set(View(image, codes.pszPostCode));
+    code5.Set(View(image, codes.pszCodeExt));
+    town.Set(NameOf(image, pEntry->pNode));
+    for (CUpwardWalk walk(image, pEntry->pNode); walk.Node() != nullptr; walk.Next()) {
         if (walk.Node()->nLevel == LEVEL_CITY || walk.Node()->nParent == ADDR_NONE) break;
-        char const* const pszName = text.At(walk.Node()->nName);
-        if (pszName != nullptr) TakeLevel(walk.Node()->nLevel, View(text, pszName), town, detail, *pnDetailKind);
+        char const* const pszName = image.At(walk.Node()->nName);
+        if (pszName != nullptr) TakeLevel(walk.Node()->nLevel, View(image, pszName), town, detail, *pnDetailKind);
     }
     return true;
 }

@@ -1,10 +1,13 @@
 // DispTree.cpp - display names, and addresses as a tree of prefectures, cities and what lies below them.
 #include "tree/DispTree.h"
 
-#include "tree/NameForUI.h"
+#include "dic/NodeEntry.h"
+#include "dic/TextSort.h"
 #include "tree/TreeBuilder.h"
 
 #include <algorithm>
+#include <memory>
+#include <new>
 
 namespace {
 
@@ -24,11 +27,10 @@ struct CTableReader {
 
 // Reads within the bounds of an image.
 struct CImageReader {
-    CAddrDic const& owner;
-    CImageText const& text;
+    CImageView const& image;
 
-    char const* Name(tagADDRNODE const& node) const { return text.At(node.nName); }
-    tagADDRNODE const* Above(tagADDRNODE const& node) const { return owner.GetAddrNode(node.nParent); }
+    char const* Name(tagADDRNODE const& node) const { return image.At(node.nName); }
+    tagADDRNODE const* Above(tagADDRNODE const& node) const { return image.Node(node.nParent); }
 };
 
 size_t FindEntry(std::vector<tagADDRPNT> const& vEntry, tagADDRNODE const* pNode) {
@@ -81,40 +83,86 @@ int MakeTreeData(std::vector<tagADDRPNT>& tree, tagADDRNODE const** ppNode, tagA
 
 void recSortTree(std::vector<tagADDRPNT>& tree) {
     for (tagADDRPNT& entry : tree) recSortTree(entry.vChild);
-    std::sort(tree.begin(), tree.end());
+    SortEntries(tree);
+}
+
+void SortEntries(std::vector<tagADDRPNT>& vEntry) {
+    if (std::is_sorted(vEntry.begin(), vEntry.end())) return;
+    CTextItem vFew[FEW_TEXTS];
+    std::unique_ptr<CTextItem[]> pMany;
+    CTextItem* pItem = vFew;
+    if (vEntry.size() > FEW_TEXTS) {
+        pMany.reset(new (std::nothrow) CTextItem[vEntry.size()]);
+        pItem = pMany.get();
+        // The entries themselves, each moved many times.
+        if (pItem == nullptr) return std::stable_sort(vEntry.begin(), vEntry.end());
+    }
+    for (size_t n = 0; n < vEntry.size(); ++n) pItem[n] = {0, vEntry[n].szName, n};
+    SortTexts(pItem, pItem + vEntry.size(), NAME_SIZE / WORD_BYTES);
+    PutInOrder(pItem, vEntry.size(), vEntry.data());
 }
 
 // --- trees of the class --------------------------------------------------------------------------------------------
 
-tagADDRPNT MakeEntry(CAddrDic const& dic, CImageText const& text, tagADDRNODE const& node) {
-    tagADDRPNT entry;
+void CEntryWriter::Append(tagADDRNODE const& node, std::vector<tagADDRPNT>& vEntry) {
+    CImageReader const reader = {m_image};
+    tagADDRPNT& entry = vEntry.emplace_back();
     entry.pNode = &node;
-    ComposeNameForUI(CImageReader{dic, text}, node, entry.szName, NAME_SIZE);
-    return entry;
+    if (node.nLevel <= LEVEL_CITY) return ComposeNameForUI(reader, node, entry.szName, NAME_SIZE);
+    if (node.nParent != m_nParent) {
+        m_names = CTownNames();
+        m_names.Collect(reader, m_image.Node(node.nParent), MAX_NAME_STEPS - 1);
+        m_nParent = node.nParent;
+    }
+    CTownNames names = m_names;
+    names.AddBelow(reader, node);
+    CFieldText out(entry.szName, NAME_SIZE);
+    names.Append(out);
 }
 
-// Entries of one city mostly follow one another.
-size_t CTreeBuilder::CLevel::Find(tagADDRNODE const* pNode) {
-    if (pNode == m_pLast) return m_nLast;
-    auto const it = m_mapPosition.find(pNode);
-    if (it == m_mapPosition.end()) return NOT_THERE;
-    m_pLast = pNode;
-    return m_nLast = it->second;
+// The city's place in m_vCity; a prefecture or city that the tree lacks is put in.
+size_t CTreeBuilder::FindCity(tagADDRNODE const& pref, tagADDRNODE const& city) {
+    auto const [itPref, bNewPref] = m_mapPref.emplace(&pref, m_vPref.size());
+    if (bNewPref) {
+        m_vPref.emplace_back();
+        m_writer.Append(pref, m_tree);
+    }
+    size_t const nPref = itPref->second;
+    auto const [itCity, bNewCity] = m_vPref[nPref].mapCity.emplace(&city, m_vCity.size());
+    if (bNewCity) {
+        std::vector<tagADDRPNT>& vEntry = m_tree[nPref].vChild;
+        m_vPref[nPref].nLastCity = m_vCity.size();
+        m_vCity.push_back({nPref, vEntry.size(), 0});
+        m_writer.Append(city, vEntry);
+    }
+    return itCity->second;
 }
 
 void CTreeBuilder::Add(tagADDRINFO const* pInfo) {
-    tagADDRNODE const* vNode[3];
-    if (m_owner.GetAddrPtr(pInfo, &vNode[0], &vNode[1], &vNode[2]) == 0) return;
-    if (vNode[0] == nullptr || vNode[1] == nullptr) return;
-    size_t const nPref = m_prefs.Find(vNode[0]);
-    if (nPref == NOT_THERE) {
-        m_prefs.Append(vNode[0]);
-        m_vCities.emplace_back();
+    if (pInfo == nullptr || IsSuperseded(*pInfo)) return;
+    tagADDRNODE const* const pNode = m_image.Node(pInfo->nNode);
+    if (pNode == nullptr) return;
+    size_t nCity = m_nCity;
+    // Prefecture and city are met on the way up from the parent on: neighbours share them.
+    if (!m_bParent || pNode->nParent != m_nParent) {
+        tagADDRNODE const *pPref = nullptr, *pCity = nullptr, *pTown = nullptr;
+        m_owner.GetAddrPtr(pInfo, &pPref, &pCity, &pTown);
+        size_t const nCities = m_vCity.size();
+        nCity = m_nCity = pPref == nullptr || pCity == nullptr ? NOT_THERE : FindCity(*pPref, *pCity);
+        m_bParent = true;
+        m_nParent = pNode->nParent;
+        // Not below the new city, when its prefecture is not the last one: the tree's users know it so.
+        if (m_vCity.size() != nCities) nCity = m_vPref.back().nLastCity;
     }
-    CLevel& cities = nPref == NOT_THERE ? m_vCities.back() : m_vCities[nPref];
-    size_t const nCity = cities.Find(vNode[1]);
-    if (nCity == NOT_THERE) cities.Append(vNode[1]);
-    AppendAddress(m_tree, nPref, nCity, vNode, [this](tagADDRNODE const* pNode, char(&szName)[NAME_SIZE]) {
-        ComposeNameForUI(CImageReader{m_owner, m_text}, *pNode, szName, NAME_SIZE);
-    });
+    if (nCity == NOT_THERE) return;
+    m_vWaiting.push_back({pNode, nCity});
+    ++m_vCity[nCity].nEntries;
+}
+
+void CTreeBuilder::Finish() {
+    auto const Below = [this](CCity const& city) -> std::vector<tagADDRPNT>& {
+        return m_tree[city.nPref].vChild[city.nIndex].vChild;
+    };
+    for (CCity const& city : m_vCity) Below(city).reserve(city.nEntries);
+    for (CWaiting const& waiting : m_vWaiting) m_writer.Append(*waiting.pNode, Below(m_vCity[waiting.nCity]));
 }

@@ -22,7 +22,8 @@ class CFieldText {
     void Append(char const* psz) { Append(psz, psz == nullptr ? 0 : strnlen(psz, m_nLeft)); }
     void Append(char const* psz, size_t nLength) {
         if (nLength > m_nLeft) nLength = m_nLeft;
-        if (nLength != 0) std::memcpy(m_pszOut, psz, nLength);
+        // A call: what the compiler puts in place of memcpy takes longer to begin than these short texts to be copied.
+        if (nLength != 0) std::memmove(m_pszOut, psz, nLength);
         m_pszOut += nLength;
         m_nLeft -= nLength;
     }
@@ -58,31 +59,57 @@ void AppendCityName(TReader const& reader, tagADDRNODE const& node, CFieldText& 
     out.Append(pszName);
 }
 
-// Of several nodes of one level on the way up the last one counts.
-template <typename TReader>
-void AppendTownName(TReader const& reader, tagADDRNODE const& node, CFieldText& out) {
-    char const* vszName[LEVEL_OFFICE + 1] = {};
-    tagADDRNODE const* pNode = &node;
-    for (int nStep = 0; pNode != nullptr && pNode->nLevel != LEVEL_CITY && nStep < MAX_NAME_STEPS; ++nStep) {
-        if (pNode->nLevel <= LEVEL_OFFICE) vszName[pNode->nLevel] = reader.Name(*pNode);
-        pNode = reader.Above(*pNode);
+// The names that make up the display name of what lies below a city. Of several nodes of one level on the way up the
+// last one counts.
+class CTownNames {
+  public:
+    // The names on the way up from the node to the city, the node's included.
+    template <typename TReader>
+    void Collect(TReader const& reader, tagADDRNODE const* pNode, int nSteps = MAX_NAME_STEPS) {
+        for (; pNode != nullptr && pNode->nLevel != LEVEL_CITY && nSteps > 0; --nSteps) {
+            Take(reader, *pNode);
+            pNode = reader.Above(*pNode);
+        }
     }
-    out.Append(vszName[LEVEL_TOWN]);
-    if (vszName[LEVEL_OFFICE] != nullptr) return out.Append(vszName[LEVEL_OFFICE]);
-    if (vszName[LEVEL_BLOCK] != nullptr) {
-        out.Append(vszName[LEVEL_BLOCK]);
-        return out.Append(vszName[LEVEL_NOTE]);
+
+    // The same for a child of the node whose names these are.
+    template <typename TReader>
+    void AddBelow(TReader const& reader, tagADDRNODE const& child) {
+        if (child.nLevel <= LEVEL_OFFICE && !m_abTaken[child.nLevel]) Take(reader, child);
     }
-    char const* const pszArea = vszName[LEVEL_AREA];
-    if (pszArea != nullptr && strnlen(pszArea, LONGEST_SHOWN_AREA + 1) <= LONGEST_SHOWN_AREA) out.Append(pszArea);
-}
+
+    void Append(CFieldText& out) const {
+        out.Append(m_vszName[LEVEL_TOWN]);
+        if (m_vszName[LEVEL_OFFICE] != nullptr) return out.Append(m_vszName[LEVEL_OFFICE]);
+        if (m_vszName[LEVEL_BLOCK] != nullptr) {
+            out.Append(m_vszName[LEVEL_BLOCK]);
+            return out.Append(m_vszName[LEVEL_NOTE]);
+        }
+        char const* const pszArea = m_vszName[LEVEL_AREA];
+        if (pszArea == nullptr) return;
+        if (strnlen(pszArea, LONGEST_SHOWN_AREA + 1) <= LONGEST_SHOWN_AREA) out.Append(pszArea);
+    }
+
+  private:
+    template <typename TReader>
+    void Take(TReader const& reader, tagADDRNODE const& node) {
+        if (node.nLevel > LEVEL_OFFICE) return;
+        m_vszName[node.nLevel] = reader.Name(node);
+        m_abTaken[node.nLevel] = true;
+    }
+
+    char const* m_vszName[LEVEL_OFFICE + 1] = {};
+    bool m_abTaken[LEVEL_OFFICE + 1] = {}; // also when it has no name
+};
 
 template <typename TReader>
 void ComposeNameForUI(TReader const& reader, tagADDRNODE const& node, char* pszOut, int nSize) {
     CFieldText out(pszOut, nSize);
     if (node.nLevel == LEVEL_PREF) return AppendPrefName(reader, node, out);
     if (node.nLevel == LEVEL_CITY) return AppendCityName(reader, node, out);
-    AppendTownName(reader, node, out);
+    CTownNames names;
+    names.Collect(reader, &node);
+    names.Append(out);
 }
 
 #endif

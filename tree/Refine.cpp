@@ -1,13 +1,14 @@
 // Refine.cpp - refinement search: from a part of a postal code or of an address to the tree of all that it can mean.
 #include "dic/AddrDic.h"
-#include "dic/ImageHeader.h"
-#include "dic/ImageText.h"
+#include "dic/NameSearch.h"
 #include "dic/NodeEntry.h"
 #include "dic/NodeRange.h"
+#include "dic/Prefix.h"
 #include "dic/Suffix.h"
 #include "tree/DispTree.h"
 #include "tree/TreeBuilder.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -28,43 +29,52 @@ long CoveredByCity(char const* pszText, char const* pszName) {
 // Cities whose names an address text begins with, and what the rest of the text names in them.
 class CCitySearch {
   public:
-    CCitySearch(CAddrDic const& owner, std::vector<tagADDRNODE const*>& vNode)
-        : m_owner(owner), m_text(owner), m_walk(owner), m_vNode(vNode) {}
+    CCitySearch(CImageView const& image, CNameMarks& marks, std::vector<tagADDRNODE const*>& vNode)
+        : m_image(image), m_marks(marks), m_walk(image), m_nLeft(image.NodeCount()), m_vNode(vNode) {}
 
     void Search(char const* pszText) {
-        CNodeRange const cities = LevelNodes(m_owner, HDR_FIRST_CITY, HDR_CITY_COUNT);
-        for (uint32_t n = cities.nFirst; n < cities.nEnd; ++n) LookAt(*m_owner.GetAddrNode(n), pszText);
+        CNameSearch cities(m_image, m_marks, pszText);
+        cities.ForEach(LevelNodes(m_image, HDR_FIRST_CITY, HDR_CITY_COUNT),
+                       [&](uint32_t n, CNameSearch::CName const& name) {
+                           LookAt(*m_image.Node(n), name, pszText);
+                           return false;
+                       });
         if (!m_vNode.empty()) return;
-        for (tagADDRNODE const* const pCity : m_vPartly) CollectCurrent(m_owner, m_walk, *pCity, m_vNode);
+        for (tagADDRNODE const* const pCity : m_vPartly) CollectCurrent(m_image, m_walk, *pCity, m_vNode);
     }
 
   private:
-    void LookAt(tagADDRNODE const& city, char const* pszText) {
-        char const* const pszName = m_text.At(city.nName);
-        if (pszName == nullptr || *pszName == '\0') return;
-        long const nCovered = CoveredByCity(pszText, pszName);
+    void LookAt(tagADDRNODE const& city, CNameSearch::CName const& name, char const* pszText) {
+        if (name.psz == nullptr || *name.psz == '\0') return;
+        long const nCovered = name.bOnePart ? name.nLength : CoveredByCity(pszText, name.psz);
         if (nCovered < 0) return;
         char const* const pszRest = pszText + nCovered;
         tagADDRNODE const* const pFound = *pszRest == '\0' ? &city : FindChild(city, pszRest);
         if (pFound != nullptr)
-            CollectCurrent(m_owner, m_walk, *pFound, m_vNode);
+            CollectCurrent(m_image, m_walk, *pFound, m_vNode);
         else
             m_vPartly.push_back(&city);
     }
 
-    // The first child whose name begins the text; one without a name begins every text.
-    tagADDRNODE const* FindChild(tagADDRNODE const& city, char const* pszText) const {
-        CNodeRange const children = ChildrenOf(m_owner, city);
-        for (uint32_t n = children.nFirst; n < children.nEnd; ++n) {
-            char const* const pszName = m_text.At(m_owner.GetAddrNode(n)->nName);
-            if (pszName != nullptr && MatchName(pszText, pszName) >= 0) return m_owner.GetAddrNode(n);
-        }
-        return nullptr;
+    // The first child whose name begins the text; one without a name begins every text. All cities together have no more
+    // children than there are nodes; in a damaged dictionary, where they share them, the search ends with as many.
+    tagADDRNODE const* FindChild(tagADDRNODE const& city, char const* pszText) {
+        CNodeRange children = ChildrenOf(m_image, city);
+        children.nEnd = children.nFirst + std::min(children.Count(), m_nLeft);
+        m_nLeft -= children.Count();
+        tagADDRNODE const* pFound = nullptr;
+        CNameSearch search(m_image, m_marks, pszText);
+        search.ForEach(children, [&](uint32_t n, CNameSearch::CName const& name) {
+            if (name.nLength >= 0) pFound = m_image.Node(n);
+            return pFound != nullptr;
+        });
+        return pFound;
     }
 
-    CAddrDic const& m_owner;
-    CImageText m_text;
+    CImageView const& m_image;
+    CNameMarks& m_marks;
     CSubtreeWalk m_walk;
+    uint32_t m_nLeft; // children that will still be looked at
     std::vector<tagADDRNODE const*>& m_vNode;
     std::vector<tagADDRNODE const*> m_vPartly;
 };
@@ -102,15 +112,17 @@ void CAddrDic::KeepQuery(char const* pszCode, char const* pszAddr) {
 // it has grown: its users know it unsorted then.
 int CAddrDic::MakeTreeFromCode(char const* pszCode) {
     long const nFound = SearchPostCode7(pszCode);
-    size_t const nLength = std::strlen(pszCode);
-    CImageText const text(*this);
+    CPrefix const prefix(pszCode);
+    CImageView const image(*this);
     CTreeBuilder builder(*this, vRefineTree);
-    for (unsigned long nIndex = nFound < 0 ? 0 : static_cast<unsigned long>(nFound);; ++nIndex) {
-        tagADDRINFO const* const pInfo = GetAddrInfo(nIndex);
-        if (pInfo == nullptr) return 0;
-        if (text.ComparePrefix(GetString(pInfo->nCode), pszCode, nLength) != 0) break;
+    tagADDRINFO const* pInfo = nullptr;
+    for (uint32_t nIndex = nFound < 0 ? 0 : static_cast<uint32_t>(nFound);; ++nIndex) {
+        pInfo = image.Info(nIndex);
+        if (pInfo == nullptr || prefix.Order(image, pInfo->nCode) != 0) break;
         builder.Add(pInfo);
     }
+    builder.Finish();
+    if (pInfo == nullptr) return 0;
     recSortTree(vRefineTree);
     return 1;
 }
@@ -131,14 +143,17 @@ int CAddrDic::SeparateAddr(char const* pszAddr) {
 
 int CAddrDic::SearchCity2(char const* pszAddr, std::vector<tagADDRNODE const*>& vNode) {
     vNode.clear();
-    if (pszAddr != nullptr && pImage != nullptr) CCitySearch(*this, vNode).Search(pszAddr);
+    if (pszAddr != nullptr && pImage != nullptr)
+        CCitySearch(CImageView(*this), CSearchMemoryRef(pSearchMemory)->marks, vNode).Search(pszAddr);
     return 0;
 }
 
 int CAddrDic::MakeTreeFromNode(std::vector<tagADDRNODE const*>& vNode) {
     vRefineTree.clear();
+    CImageView const image(*this);
     CTreeBuilder builder(*this, vRefineTree);
     for (tagADDRNODE const* const pNode : vNode)
-        if (pNode != nullptr) builder.Add(GetAddrInfo(pNode->nInfo));
+        if (pNode != nullptr) builder.Add(image.Info(pNode->nInfo));
+    builder.Finish();
     return 1;
 }

@@ -5,12 +5,16 @@
 #include "dic/AddrKey.h"
 #include "dic/Suffix.h"
 #include "tests/library/Prefectures.h"
+#include "tests/support/GuardedBytes.h"
 #include "tree/AddrPnt.h"
 
 #include <gmock/gmock.h>
 
+#include <pthread.h>
+
 #include <algorithm>
 #include <new>
+#include <random>
 #include <string>
 
 namespace {
@@ -229,6 +233,30 @@ TEST(AddressOrder, KnowsThe47PrefecturesFromNorthToSouth) {
     }
 }
 
+TEST(AddressOrder, KnowsThePrefecturesByTheirWholeNamesOnly) {
+    for (int n = 0; n < 47; ++n) {
+        std::string const strName = PREFECTURES[n];
+        EXPECT_EQ(FindPrefNumber(strName.c_str()), n);
+        for (size_t nLength = 0; nLength < strName.size(); ++nLength)
+            EXPECT_EQ(FindPrefNumber(strName.substr(0, nLength).c_str()), -1) << strName << ' ' << nLength;
+        EXPECT_EQ(FindPrefNumber((strName + "x").c_str()), -1) << strName;
+        EXPECT_EQ(FindPrefNumber((strName + strName).c_str()), -1) << strName;
+        for (size_t nByte = 0; nByte < strName.size(); ++nByte) {
+            std::string strOther = strName;
+            strOther[nByte] = 'x';
+            EXPECT_EQ(FindPrefNumber(strOther.c_str()), -1) << strName << ' ' << nByte;
+        }
+    }
+}
+
+TEST(AddressOrder, LooksForAPrefectureNoFurtherThanToTheEndOfTheName) {
+    for (char const* psz : {"", "x", "東", "東京", "東京都", "鹿児島県", "鹿児島", "xxxxx", "xxxxxx", "xxxxxxx"}) {
+        CGuardedBytes const name(std::string(psz), CGuardedBytes::ReadOnly); // its NUL ends the page
+        std::string const strName = psz;
+        EXPECT_EQ(FindPrefNumber(name.Text()), strName == "東京都" ? 12 : strName == "鹿児島県" ? 45 : -1) << psz;
+    }
+}
+
 TEST(AddressOrder, PadsTheRowsOfThePrefectureTableWithZeros) {
     static_assert(sizeof pref_order == 47 * 16);
     for (auto const& row : pref_order) {
@@ -361,6 +389,69 @@ TEST(SortedList, KeepsRecordsOfEqualKeysInTheirOrder) {
     SortAddrs(vAddr);
     for (size_t n = 0; n < vAddr.size(); ++n) EXPECT_EQ(vAddr[n].pListCity, &vNode[n]) << n;
 }
+
+// Keys of which one is the beginning of another, equal ones of different texts, ones of whole words, and empty ones.
+TEST(SortedList, StandsInTheOrderOfTheRecordsWhateverTheirKeysHaveInCommon) {
+    std::mt19937 random(91);
+    std::vector<std::string> vText = {""};
+    for (size_t const nLength : {1u, 2u, 5u, 7u, 8u, 9u, 15u, 16u, 17u, 24u, 40u, 128u, 1000u})
+        for (char const* pszEnd : {"", "a", "\x01", "\xFF"}) vText.push_back(std::string(nLength, 'a') + pszEnd);
+    std::vector<tagADDRNODE> const vNode(300);
+    auto const AnyText = [&] { return random() % 3 == 0 ? nullptr : vText[random() % vText.size()].c_str(); };
+    for (size_t const nRecords : {2u, 3u, 16u, 17u, 32u, 33u, 100u, 300u})
+        for (int nRound = 0; nRound < 20; ++nRound) {
+            std::vector<tagADDR> vAddr;
+            for (size_t n = 0; n < nRecords; ++n) {
+                vAddr.push_back(Addr(random() % 4 == 0 ? PREFECTURES[random() % 3] : AnyText(), AnyText(), AnyText(),
+                                     AnyText(), AnyText()));
+                vAddr.back().nCityOrder = static_cast<int>(random() % 2);
+                vAddr.back().pListCity = &vNode[n];
+            }
+            std::vector<tagADDR> vExpected = vAddr;
+            std::stable_sort(vExpected.begin(), vExpected.end());
+            SortAddrs(vAddr);
+            for (size_t n = 0; n < nRecords; ++n) {
+                ASSERT_EQ(vAddr[n].pListCity, vExpected[n].pListCity) << nRecords << ", round " << nRound;
+                ASSERT_EQ(MakeSortKey(vAddr[n]), MakeSortKey(vExpected[n]));
+            }
+        }
+}
+
+// Of 6,000 keys each is the beginning of the next, a word longer: calls that lay inside each other once for every word
+// would need more than this stack.
+TEST(SortedList, OfManyKeysThatAreTheBeginningsOfOthersNeedsLittleStack) {
+    constexpr size_t KEYS = 6000, STACK = 256 << 10;
+    std::string const strText(8 * KEYS, 'a');
+    std::vector<tagADDR> vAddr;
+    for (size_t n = 0; n < KEYS; ++n)
+        vAddr.push_back(Addr(nullptr, nullptr, strText.c_str() + 8 * (n * 7 % KEYS), nullptr));
+    pthread_attr_t attributes;
+    pthread_t thread;
+    ASSERT_EQ(pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, STACK), 0);
+    auto const Sort = [](void* p) -> void* {
+        SortAddrs(*static_cast<std::vector<tagADDR>*>(p));
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, Sort, &vAddr), 0);
+    ASSERT_EQ(pthread_join(thread, nullptr), 0);
+    ASSERT_EQ(pthread_attr_destroy(&attributes), 0);
+    for (size_t n = 0; n < KEYS; ++n) ASSERT_EQ(vAddr[n].pszTown, strText.c_str() + 8 * (KEYS - 1 - n)) << n;
+}
+
+#if defined(__i386__)
+// 52 keys of five times 16 MiB: a number of 32 bits would have it that 64 MiB hold them all.
+TEST(SortedList, OfKeysLongerThanTheMemoryStaysAsItIs) {
+    std::string const strText(16 << 20, 'a');
+    char const* const psz = strText.c_str();
+    std::vector<tagADDRNODE> const vNode(52);
+    std::vector<tagADDR> vAddr(vNode.size(), Addr(psz, psz, psz, psz, psz));
+    for (size_t n = 0; n < vAddr.size(); ++n) vAddr[n].pListCity = &vNode[n];
+    EXPECT_THROW(SortAddrs(vAddr), std::bad_alloc);
+    ASSERT_EQ(vAddr.size(), vNode.size());
+    for (size_t n = 0; n < vAddr.size(); ++n) EXPECT_EQ(vAddr[n].pListCity, &vNode[n]) << n;
+}
+#endif
 
 TEST(SortedList, OfNoRecordStaysEmpty) {
     std::vector<tagADDR> vAddr;

@@ -76,4 +76,42 @@ TEST(ListsOutOfMemory, StayThoseOfTheSelection) {
     EXPECT_NE(Lines(peek.vCityPnt), vCity);
 }
 
+// 3 levels; names of one level are equal in their first eight bytes, some as a whole.
+CTree UnsortedTree(size_t nEntries, int nLevels = 3) {
+    static std::vector<tagADDRNODE> const vNode(1000);
+    CTree tree;
+    for (size_t n = 0; n < nEntries; ++n)
+        tree.push_back(Entry("the same " + std::to_string(n * 37 % 100),
+                             nLevels == 1 ? CTree() : UnsortedTree(n % 2 == 0 ? 2 : 70, nLevels - 1), &vNode[n]));
+    return tree;
+}
+
+// Where nothing can be thrown: a program of its own sorts its tree, and its order does not depend on the memory.
+TEST(TreeOrderOutOfMemory, IsTheSameFromTheFirstAllocationOn) {
+    for (size_t const nEntries : {3u, 32u, 33u, 200u}) {
+        CTree const unsorted = UnsortedTree(nEntries, nEntries > 33 ? 1 : 3);
+        CTree expected = unsorted;
+        recSortTree(expected);
+        EXPECT_FALSE(IsSame(expected, unsorted));
+        bool bEnough = false;
+        for (long n = 0; !bEnough; n = 2 * n + 1) {
+            CTree tree = unsorted;
+            CShortage shortage(n);
+            recSortTree(tree);
+            bEnough = !shortage.End();
+            EXPECT_TRUE(IsSame(tree, expected)) << nEntries << " entries, allocations: " << n;
+        }
+    }
+}
+
+TEST(TreeOrderOutOfMemory, OfFewEntriesAndOfSortedOnesAsksForNone) {
+    CTree few = UnsortedTree(32, 1), sorted = UnsortedTree(300, 1);
+    std::stable_sort(sorted.begin(), sorted.end());
+    CShortage shortage(0);
+    recSortTree(few);
+    recSortTree(sorted);
+    EXPECT_FALSE(shortage.End());
+    EXPECT_TRUE(std::is_sorted(few.begin(), few.end()));
+}
+
 } // namespace

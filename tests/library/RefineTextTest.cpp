@@ -229,6 +229,42 @@ TEST(TreeOfTheClass, OfNodesIsThatOfTheirEntriesPutInOneByOne) {
     }
 }
 
+// Parents anywhere: of the node's own level, in circles, above and below cities; neighbours often share theirs.
+CTestImage EntriesWithAnyParents(std::mt19937& random) {
+    CTestImage image = ShuffledEntries(random, true);
+    auto const nNodes = static_cast<uint32_t>(image.vNode.size());
+    for (uint32_t n = 4; n < nNodes; ++n) {
+        tagADDRNODE& node = image.vNode[n];
+        if (random() % 4 == 0) node.nLevel = static_cast<uint8_t>(random() % 9);
+        if (random() % 2 == 0)
+            node.nParent = image.vNode[n - 1].nParent;
+        else if (random() % 2 == 0)
+            node.nParent = random() % 16 == 0 ? ADDR_NONE : static_cast<uint32_t>(random() % nNodes);
+    }
+    return image;
+}
+
+TEST(TreeOfTheClass, OfDamagedNodesIsThatOfTheirEntriesPutInOneByOne) {
+    std::mt19937 random(55);
+    size_t nEntries = 0;
+    for (int nRound = 0; nRound < 400; ++nRound) {
+        CTestImage const image = EntriesWithAnyParents(random);
+        CTreeDic dic(image);
+        CNodeList vNode;
+        for (uint32_t n = 0; n < 60; ++n)
+            vNode.push_back(dic.Node((n % 3 == 0 ? static_cast<uint32_t>(random()) : n) %
+                                     static_cast<uint32_t>(image.vNode.size())));
+        CTree tree;
+        for (tagADDRNODE const* const pNode : vNode)
+            if (tagADDRINFO const* const pInfo = dic.GetAddrInfo(pNode->nInfo)) dic.InsertEntry(tree, pInfo);
+        nEntries += Lines(tree).size();
+        ASSERT_EQ(dic.MakeTreeFromNode(vNode), 1);
+        ASSERT_TRUE(IsSame(dic.Tree(), tree))
+            << nRound << testing::PrintToString(dic.TreeLines()) << testing::PrintToString(Lines(tree));
+    }
+    EXPECT_GT(nEntries, 4000u);
+}
+
 // --- damaged dictionaries ------------------------------------------------------------------------------------------
 
 using DamagedText = TimedTest;
@@ -253,6 +289,22 @@ TEST_F(DamagedText, WhereChildrenGoInACircleComesToAnEnd) {
         for (char const* psz : {"東京都", "東京都港区", "東京都港区芝", "港区", "港区芝", "港区x"})
             EXPECT_LE(LinesOf(world, psz).size(), 3 * (world.vNode.size() + 1)) << psz;
     }
+}
+
+// Looking at all children of each city would take minutes.
+TEST_F(DamagedText, WhereManyCitiesShareAllNodesForChildrenComesToAnEnd) {
+    constexpr uint32_t CITIES = 150000;
+    CTestImage image;
+    image.AddNode(LEVEL_PREF, ADDR_NONE, "東京都");
+    uint32_t const nName = image.AddText("a");
+    image.vNode.insert(image.vNode.end(), CITIES, {LEVEL_CITY, {}, nName, ADDR_NONE, 0, CITIES, 1});
+    image.nFirstCity = 1;
+    image.vCityIndex.resize(CITIES); // which counts them
+    image.vNode[CITIES].nInfo = image.AddInfo(CITIES, "1000000");
+    CTreeDic dic(image);
+    CNodeList vNode;
+    EXPECT_EQ(dic.SearchCity2("axx", vNode), 0);
+    EXPECT_THAT(vNode, testing::AllOf(testing::Not(IsEmpty()), testing::Each(dic.Node(CITIES))));
 }
 
 TEST_F(DamagedText, WhereEveryNodeHasAllNodesForChildrenComesToAnEnd) {

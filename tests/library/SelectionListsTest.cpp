@@ -109,6 +109,16 @@ TEST(SelectionLists, MakeThePrefecturesAgainInEveryCall) {
     }
 }
 
+TEST(SelectionLists, HaveThePrefecturesOfTheDictionaryThatIsBound) {
+    CTestImage other = CListsWorld();
+    other.vNode[CListsWorld().nTokyo].nName = other.AddText("沖縄県", "x");
+    CListsDic dic((CListsWorld())), second(other);
+    EXPECT_EQ(Count(dic, 0, 0, 0), Found(3, 2, 1));
+    dic.SetDictionary(second.GetDicPointer()); // with as many prefectures
+    EXPECT_EQ(Count(dic, 0, 0, 0), Found(3, 2, 1));
+    EXPECT_THAT(Names(dic.Prefs()), ElementsAre("00北海道", "33広島県", "46沖縄県"));
+}
+
 TEST(SelectionLists, OfAnotherPrefectureBeginAtItsFirstCityWhicheverIsAskedFor) {
     CListsDic dic(CountryWith({{1}, {1}, {1}, {1}, {1, 2, 3, 4}, {5, 6, 7, 8}}));
     EXPECT_EQ(Count(dic, 4, 3, 0), Found(6, 4, 1));

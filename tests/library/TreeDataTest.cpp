@@ -337,6 +337,55 @@ TEST(TreeOrder, OfManyEqualNamesKeepsEveryEntry) {
     for (size_t n = 0; n < vNode.size(); ++n) EXPECT_EQ(vFound[n], &vNode[n]);
 }
 
+// Names that begin alike up to somewhere around a multiple of eight bytes, and up to the very end of their fields.
+std::string NameThatBeginsLikeOthers(std::mt19937& random) {
+    constexpr size_t LENGTHS[] = {0, 1, 7, 8, 9, 15, 16, 17, 23, 64, 119, 120, 121, 126, 127, 128};
+    std::string strName(LENGTHS[random() % std::size(LENGTHS)], random() % 4 == 0 ? 'a' : '\xE6');
+    for (auto nChanges = random() % 3; nChanges > 0 && !strName.empty(); --nChanges)
+        strName[strName.size() - 1 - random() % std::min<size_t>(strName.size(), 9)] =
+            "\x01\x7F\x80\xFF"[random() % 4];
+    return strName;
+}
+
+// What stands behind a NUL is not part of a name.
+tagADDRPNT EntryWithRubbish(std::mt19937& random, std::string const& strName) {
+    tagADDRPNT entry = Entry(strName);
+    for (size_t n = strName.size() + 1; n < sizeof entry.szName; ++n) entry.szName[n] = static_cast<char>(random());
+    return entry;
+}
+
+CTree TreeOfAlikeNames(std::mt19937& random, size_t nEntries, std::vector<tagADDRNODE> const& vNode) {
+    CTree tree;
+    for (size_t n = 0; n < nEntries; ++n) {
+        tree.push_back(EntryWithRubbish(random, NameThatBeginsLikeOthers(random)));
+        tree.back().pNode = &vNode[n];
+        tree.back().vChild.resize(n % 3);
+    }
+    return tree;
+}
+
+TEST(TreeOrder, IsThatOfAStableSortWhateverTheNamesHaveInCommon) {
+    std::mt19937 random(54);
+    std::vector<tagADDRNODE> const vNode(400);
+    for (size_t const nEntries : {2u, 3u, 16u, 17u, 31u, 32u, 33u, 34u, 100u, 400u})
+        for (int nRound = 0; nRound < 20; ++nRound) {
+            CTree tree = TreeOfAlikeNames(random, nEntries, vNode);
+            CTree vExpected = tree;
+            std::stable_sort(vExpected.begin(), vExpected.end());
+            recSortTree(tree);
+            ASSERT_TRUE(IsSame(tree, vExpected)) << nEntries << ", round " << nRound;
+        }
+}
+
+// Each name is the beginning of the next: at every eighth byte one run of equal beginnings ends, and the other goes on.
+TEST(TreeOrder, OfNamesThatAreTheBeginningsOfOthersIsThatOfTheirLengths) {
+    CTree tree;
+    for (size_t n = 0; n < 3 * (NAME_SIZE + 1); ++n)
+        tree.push_back(Entry(std::string(n * 50 % (NAME_SIZE + 1), 'n')));
+    recSortTree(tree);
+    for (size_t n = 0; n < tree.size(); ++n) EXPECT_EQ(NameOf(tree[n]), std::string(n / 3, 'n'));
+}
+
 TEST(TreeOrder, OfASortedTreeStays) {
     CTree tree = {Entry("a", {Entry("b"), Entry("c")}), Entry("d", {Entry("e")})};
     CTree const vExpected = tree;

@@ -4,7 +4,7 @@
 #include "api/PstexecState.h"
 #include "api/ga_legacy.h"
 #include "dic/ImageHeader.h"
-#include "dic/ImageText.h"
+#include "dic/ImageView.h"
 #include "tests/support/GuardedBytes.h"
 #include "tests/support/Peek.h"
 #include "tree/DispTree.h"
@@ -164,7 +164,7 @@ void CEveryOperation::Draw(uint32_t nSeed) {
         m_vCode.emplace_back(300, '9');
     }
     for (size_t n = 0; n < m_vNode.size(); ++n) DrawTexts(m_vNode[n], static_cast<uint32_t>(n) + nSeed);
-    CImageText const text(m_dic);
+    CImageView const text(m_dic);
     for (size_t n = 0; n < m_vEntry.size(); ++n) {
         tagADDRINFO const& entry = *m_dic.GetAddrInfo(m_vEntry[n]);
         char const* const pszCode = text.At(entry.nCode);
@@ -179,7 +179,7 @@ void CEveryOperation::Draw(uint32_t nSeed) {
 
 // The names from the prefecture down to the node, in one of the forms in which callers write them.
 void CEveryOperation::DrawTexts(uint32_t nNode, uint32_t nKind) {
-    CImageText const text(m_dic);
+    CImageView const text(m_dic);
     std::string strPath, strBelow, strName;
     bool bFirst = true;
     unsigned nSteps = 0;
@@ -284,7 +284,7 @@ void CEveryOperation::RunAccessors() {
 void CEveryOperation::RunNodes() {
     auto const* const pStrings = reinterpret_cast<unsigned char const*>(m_dic.GetStrings());
     auto const* const pNodes = m_dic.GetAddrNode(0);
-    CImageText const text(m_dic);
+    CImageView const text(m_dic);
     for (uint32_t nNode : m_vNode) {
         tagADDRNODE const* const pNode = m_dic.GetAddrNode(nNode);
         if (m_nTrust == Sound) {
