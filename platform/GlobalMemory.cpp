@@ -11,6 +11,8 @@
 // Invariant: a slot below nUsed either holds a block (pBlock is not null) or is in the queue of free slots.
 #include "platform/Win32Compat.h"
 
+#include <sys/single_threaded.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -56,6 +58,23 @@ uint32_t nHead = 0;     // queue of free slots: oldest and newest; both mean not
 uint32_t nTail = 0;
 uint32_t nFree = 0;
 uint32_t nFirstGeneration = 1; // of a slot that was never used
+
+// Holds mtxSlots as long as it lives, unless the process has a single thread: there is nobody to lock out then, and four
+// locks are a good part of what a small block costs. No thread begins while it lives.
+class CSlotsLock {
+  public:
+    CSlotsLock() : m_bHeld(!__libc_single_threaded) {
+        if (m_bHeld) mtxSlots.lock();
+    }
+    ~CSlotsLock() {
+        if (m_bHeld) mtxSlots.unlock();
+    }
+    CSlotsLock(CSlotsLock const&) = delete;
+    CSlotsLock& operator=(CSlotsLock const&) = delete;
+
+  private:
+    bool m_bHeld;
+};
 
 uint32_t NextGeneration(uint32_t nGeneration) {
     return nGeneration == nMaxGeneration ? 1 : nGeneration + 1;
@@ -122,6 +141,7 @@ void* AllocateZeroed(size_t nSize) {
     if (nSize == 0) nSize = 1;
     if (nSize > 1024) return std::calloc(1, nSize);
     void* pBlock = std::malloc(nSize);
+    asm volatile("" : "+r"(pBlock)); // or the compiler makes a calloc of the two again
     return pBlock ? std::memset(pBlock, 0, nSize) : nullptr;
 }
 
@@ -129,7 +149,7 @@ void* AllocateZeroed(size_t nSize) {
 // loads and unloads us again and again would else lose one each time. Later calls start a new table, whose
 // generations go on from the old ones, so that even now no stale handle comes alive.
 __attribute__((destructor)) void DropEmptyTable() {
-    std::lock_guard<std::mutex> lock(mtxSlots);
+    CSlotsLock const lock;
     if (nFree < nUsed) return;
     for (uint32_t n = 0; n < nUsed; ++n) nFirstGeneration = std::max(nFirstGeneration, pSlots[n].nGeneration);
     std::free(pSlots);
@@ -145,7 +165,7 @@ QE_EXPORT HGLOBAL GlobalAlloc(UINT nFlags, SIZE_T nSize) {
     if (!pBlock) return nullptr;
     HGLOBAL hMem = nullptr;
     {
-        std::lock_guard<std::mutex> lock(mtxSlots);
+        CSlotsLock const lock;
         if (tagSLOT* pSlot = TakeSlot()) {
             pSlot->pBlock = pBlock;
             pSlot->nSize = nSize;
@@ -158,7 +178,7 @@ QE_EXPORT HGLOBAL GlobalAlloc(UINT nFlags, SIZE_T nSize) {
 }
 
 QE_EXPORT LPVOID GlobalLock(HGLOBAL hMem) {
-    std::lock_guard<std::mutex> lock(mtxSlots);
+    CSlotsLock const lock;
     tagSLOT* pSlot = FindSlot(hMem);
     if (!pSlot || pSlot->nLocks == nMaxLocks) return nullptr;
     ++pSlot->nLocks;
@@ -166,7 +186,7 @@ QE_EXPORT LPVOID GlobalLock(HGLOBAL hMem) {
 }
 
 QE_EXPORT BOOL GlobalUnlock(HGLOBAL hMem) {
-    std::lock_guard<std::mutex> lock(mtxSlots);
+    CSlotsLock const lock;
     tagSLOT* pSlot = FindSlot(hMem);
     if (!pSlot || pSlot->nLocks == 0) return 0;
     return --pSlot->nLocks != 0 ? 1 : 0;
@@ -175,7 +195,7 @@ QE_EXPORT BOOL GlobalUnlock(HGLOBAL hMem) {
 QE_EXPORT HGLOBAL GlobalFree(HGLOBAL hMem) {
     void* pBlock = nullptr;
     {
-        std::lock_guard<std::mutex> lock(mtxSlots);
+        CSlotsLock const lock;
         tagSLOT* pSlot = FindSlot(hMem);
         if (!pSlot) return hMem;
         pBlock = pSlot->pBlock;
@@ -186,7 +206,7 @@ QE_EXPORT HGLOBAL GlobalFree(HGLOBAL hMem) {
 }
 
 QE_EXPORT SIZE_T GlobalSize(HGLOBAL hMem) {
-    std::lock_guard<std::mutex> lock(mtxSlots);
+    CSlotsLock const lock;
     tagSLOT* pSlot = FindSlot(hMem);
     return pSlot ? pSlot->nSize : 0;
 }
