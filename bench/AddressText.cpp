@@ -13,10 +13,7 @@ namespace {
 
 using benchmark::DoNotOptimize;
 
-constexpr char NOTHING[] = "アトランティス市海底１－２－３";
 constexpr char SQL_TOWN[] = "SELECT path FROM town WHERE path <= ?1 ORDER BY path DESC LIMIT 1";
-constexpr char SQL_PREF[] = "SELECT ext, code, pref, city, town, area, office FROM addr WHERE pref = ?1";
-constexpr char SQL_ALL[] = "SELECT ext, code, pref, city, town, area, office FROM addr";
 
 // --- the yardstick: the longest path that begins the text ----------------------------------------------------------
 
@@ -128,28 +125,6 @@ void AddOffices(CAddrDic& dic, std::vector<COfficeText> const& vOffice) {
     });
 }
 
-// A partial text with very many answers, beside all seven texts of the same rows copied.
-void AddPart(CBench& bench, std::string const& strGroup, std::string const& strText, char const* pszSql) {
-    benchmark::RegisterBenchmark((strGroup + "/GetAddrFromAddrPart").c_str(), [&bench, strText](auto& state) {
-        size_t nFound = 0;
-        for (auto _ : state) {
-            std::vector<tagADDR> vAddr;
-            bench.dictionary.Dic().GetAddrFromAddrPart(strText.c_str(), vAddr);
-            DoNotOptimize(vAddr.data());
-            nFound += vAddr.size();
-        }
-        state.SetItemsProcessed(static_cast<int64_t>(nFound));
-    });
-    benchmark::RegisterBenchmark((strGroup + "/sqlite_memory").c_str(), [&bench, strText, pszSql](auto& state) {
-        CStatement select(bench.memory, pszSql);
-        std::vector<char> vRow;
-        for (auto _ : state) {
-            if (!strText.empty()) select.Bind(1, strText);
-            DoNotOptimize(select.CopyRows(vRow));
-        }
-    });
-}
-
 // How often the town that the library finds is the longest path in the list.
 void CompareTowns(CAddrDic& dic, std::vector<std::string> const& vText, std::vector<std::string> const& vPath,
                   CSqlite& db, bool bPref, char const* pszWhat, std::ostream& out) {
@@ -168,12 +143,18 @@ void CompareTowns(CAddrDic& dic, std::vector<std::string> const& vText, std::vec
     out << "same answers, " << pszWhat << ": " << nSame << " of " << vText.size() << '\n';
 }
 
+std::vector<std::string> TextsOf(std::vector<CQuestion> const& vQuestion) {
+    std::vector<std::string> vText;
+    for (CQuestion const& question : vQuestion) vText.push_back(question.strText);
+    return vText;
+}
+
 } // namespace
 
 void RegisterAddressText(CBench& bench, std::ostream& out) {
     CAddrDic& dic = bench.dictionary.Dic();
     static CAddressTexts const texts = MakeAddressTexts(dic);
-    static std::vector<std::string> const vNothing = {NOTHING};
+    static std::vector<std::string> const vNothing = TextsOf(bench.questions.vNothing);
     static CSqlite paths(":memory:");
     static CSqlite barePaths(":memory:");
     FillPaths(paths, texts.vPath);
@@ -196,6 +177,4 @@ void RegisterAddressText(CBench& bench, std::ostream& out) {
     AddDivide(dic, "nothing", vNothing);
     AddYardsticks("nothing", vNothing, texts.vPath, paths);
     AddOffices(dic, texts.vOffice);
-    AddPart(bench, "part_prefecture", "東京都", SQL_PREF);
-    AddPart(bench, "part_all", "", SQL_ALL);
 }

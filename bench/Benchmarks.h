@@ -3,6 +3,7 @@
 #define QEADRS_BENCH_BENCHMARKS_H
 
 #include "bench/Child.h"
+#include "bench/Questions.h"
 #include "bench/SqliteTable.h"
 #include "bench/World.h"
 
@@ -28,6 +29,7 @@ struct CBench {
     CCodes codes5;           // samples of leading parts and of old codes, small enough to go round several times in
     CCodes codes3;           //   each measurement, so that both sides are asked the same
     CCodes oldCodes;         //
+    CQuestions questions;    // addresses
     CChildRunner& runner;
 };
 
@@ -37,8 +39,15 @@ void CheckAnswers(CBench& bench, std::ostream& out);
 
 void RegisterLookups(CBench& bench);
 
+// Compares first, too; throws when a town's code or latest form is not the one that is due, and takes what both sides
+// answer differently out of bench.questions.
+void RegisterAddressRecords(CBench& bench, std::ostream& out);
+
 // Tells first how often library and yardstick find the same town.
 void RegisterAddressText(CBench& bench, std::ostream& out);
+
+// Tells first how many addresses both sides find.
+void RegisterParts(CBench& bench, std::ostream& out);
 
 // Tells first how long the lists are, and throws when SQLite's are longer or shorter.
 void RegisterBrowsing(CBench& bench, std::ostream& out);

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <ostream>
 #include <stdexcept>
+#include <unordered_map>
 
 #include <benchmark/benchmark.h>
 
@@ -97,6 +98,39 @@ void AddSearch(CBench& bench, std::string const& strGroup, CCodes const& codes, 
     AddFrom("/sqlite_file", bench.file);
 }
 
+// Every code's rows ready made, as the library would return them: what a lookup can come down to where memory does not
+// count. A row has the texts only; the library's has its city node besides.
+using CReadyRows = std::unordered_map<std::string, std::vector<tagADDR>>;
+
+CReadyRows MakeReadyRows(std::vector<tagROW> const& vRow) {
+    CReadyRows ready;
+    for (tagROW const& row : vRow) ready[row.addr.pszPostCode].push_back(row.addr);
+    return ready;
+}
+
+CReadyRows const& ReadyRows(CBench& bench) {
+    static CReadyRows const ready = MakeReadyRows(bench.dictionary.Rows());
+    return ready;
+}
+
+// Appended to a vector that is kept, as the library does it.
+void AppendReadyRows(CReadyRows const& ready, char const* pszCode, std::vector<tagADDR>& vAddr) {
+    auto const it = ready.find(pszCode);
+    if (it != ready.end()) vAddr.insert(vAddr.end(), it->second.begin(), it->second.end());
+}
+
+void AddReadyRows(CReadyRows const& ready, std::string const& strGroup, CCodes const& codes) {
+    Add(strGroup + "/unordered_map", codes, [&ready](benchmark::State& state, CCodes const& vCode) {
+        std::vector<tagADDR> vAddr;
+        OverCodes(state, vCode, [&](tagCODE const& code) {
+            vAddr.clear();
+            AppendReadyRows(ready, code.szCode, vAddr);
+            DoNotOptimize(vAddr.data());
+            benchmark::ClobberMemory();
+        });
+    });
+}
+
 using PFNLOOKUP = int (CAddrDic::*)(char const*, std::vector<tagADDR>&);
 
 void AddVectors(CBench& bench, std::string const& strName, CCodes const& codes, PFNLOOKUP pfnLookup) {
@@ -147,8 +181,7 @@ void AddCities(CBench& bench, std::string const& strGroup, CCodes const& codes, 
     AddCopies(bench, strGroup, codes, bOldCode ? SQL_CITIES_BY_OLD : SQL_CITIES_BY_CODE, false);
 }
 
-// --- the comparison before the loops
-// ---------------------------------------------------------------------------------
+// --- the comparison before the loops -------------------------------------------------------------------------------
 
 void Report(std::ostream& out, char const* pszWhat, size_t nSame, size_t nAll) {
     out << "same answers, " << pszWhat << ": " << nSame << " of " << nAll << '\n';
@@ -176,6 +209,26 @@ void CheckPools(CBench& bench, CSqlite const& db, CCodes const& codes, bool bLea
     }
     Report(out, pszWhat, nSame, codes.size());
     if (nSame != codes.size()) throw std::runtime_error("GetAdrFromZip and SQLite answer differently");
+}
+
+// The very same texts: both lead into the dictionary.
+bool SameTexts(tagADDR const& left, tagADDR const& right) {
+    return left.pszPostCode == right.pszPostCode && left.pszPref == right.pszPref && left.pszCity == right.pszCity &&
+           left.pszTown == right.pszTown && left.pszArea == right.pszArea && left.pszOffice == right.pszOffice &&
+           left.pszBlock == right.pszBlock && left.pszNote == right.pszNote;
+}
+
+void CheckReadyRows(CBench& bench, CReadyRows const& ready, std::ostream& out) {
+    std::vector<tagADDR> vOurs, vReady;
+    for (tagCODE const& code : bench.codes7) {
+        vOurs.clear();
+        vReady.clear();
+        bench.dictionary.Dic().GetAddrFromPostCode7(code.szCode, vOurs);
+        AppendReadyRows(ready, code.szCode, vReady);
+        if (!std::equal(vOurs.begin(), vOurs.end(), vReady.begin(), vReady.end(), SameTexts))
+            throw std::runtime_error(std::string("the hash table and the library differ for ") + code.szCode);
+    }
+    Report(out, "rows of a code (hash table)", bench.codes7.size(), bench.codes7.size());
 }
 
 // Counts only: the order may differ, and a scan that ends after 10000 entries does not reach every old code.
@@ -211,6 +264,7 @@ void CheckAnswers(CBench& bench, std::ostream& out) {
     CheckPools(bench, bench.file, bench.codes7, false, "texts of a code (file)", out);
     CheckPools(bench, bench.memory, bench.codes5, true, "texts of 5 leading digits", out);
     CheckPools(bench, bench.memory, bench.codes3, true, "texts of 3 leading digits", out);
+    CheckReadyRows(bench, ReadyRows(bench), out);
     CheckCounts(bench, out);
 }
 
@@ -220,6 +274,7 @@ void RegisterLookups(CBench& bench) {
 
     AddVectors(bench, "lookup_code7/GetAddrFromPostCode7", bench.codes7, &CAddrDic::GetAddrFromPostCode7);
     AddZip("lookup_code7", bench.codes7);
+    AddReadyRows(ReadyRows(bench), "lookup_code7", bench.codes7);
     AddCopies(bench, "lookup_code7", bench.codes7, SQL_BY_CODE, false);
 
     AddVectors(bench, "lookup_lead5/GetAddrFromPostCode7", bench.codes5, &CAddrDic::GetAddrFromPostCode7);

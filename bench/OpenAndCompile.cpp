@@ -3,6 +3,7 @@
 #include "bench/Benchmarks.h"
 
 #include "api/Pstexec.h"
+#include "bench/AddressRecord.h"
 #include "builder/Check.h"
 
 #include <algorithm>
@@ -49,6 +50,39 @@ void OpenSqlite(benchmark::State& state, CBench& bench) {
     }
 }
 
+// The same with an address as the first question.
+void OpenOursForAddress(benchmark::State& state, CBench& bench) {
+    std::vector<CQuestion> const& vQuestion = bench.questions.vFull;
+    size_t n = 0;
+    for (auto _ : state) {
+        tagADDRESSRECORD record;
+        record.Fill(vQuestion[n].strText, "");
+        if (PstAdrOpen() != 0 || PstAdrGetZip(&record) != 0) {
+            state.SkipWithError("no answer");
+            break;
+        }
+        PstAdrClose();
+        if (++n == vQuestion.size()) n = 0;
+    }
+}
+
+void OpenSqliteForAddress(benchmark::State& state, CBench& bench) {
+    std::vector<CQuestion> const& vQuestion = bench.questions.vFull;
+    size_t n = 0;
+    std::vector<char> vText;
+    for (auto _ : state) {
+        CSqlite const db(bench.strTable, true);
+        CStatement select(db, SQL_BY_NAMES);
+        for (int nName = 0; nName < 3; ++nName)
+            select.Bind(nName + 1, vQuestion[n].vName[static_cast<size_t>(nName)]);
+        if (select.CopyRows(vText) == 0) {
+            state.SkipWithError("no answer");
+            break;
+        }
+        if (++n == vQuestion.size()) n = 0;
+    }
+}
+
 // The whole command, from the archives to the checked and renamed file.
 void CompileOurs(benchmark::State& state, CBench& bench) {
     long nPeakKb = 0;
@@ -91,6 +125,10 @@ void RegisterOpenAndCompile(CBench& bench) {
     using benchmark::RegisterBenchmark;
     RegisterBenchmark("open_to_first_answer/PstAdrOpen", [&](benchmark::State& state) { OpenOurs(state, bench); });
     RegisterBenchmark("open_to_first_answer/sqlite_file", [&](benchmark::State& state) { OpenSqlite(state, bench); });
+    RegisterBenchmark("open_to_first_address/PstAdrOpen",
+                      [&](benchmark::State& state) { OpenOursForAddress(state, bench); });
+    RegisterBenchmark("open_to_first_address/sqlite_file",
+                      [&](benchmark::State& state) { OpenSqliteForAddress(state, bench); });
     RegisterBenchmark("compile/qeadrs_dic", [&](benchmark::State& state) { CompileOurs(state, bench); })
         ->UseRealTime()
         ->Unit(benchmark::kMillisecond);

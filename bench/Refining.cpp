@@ -1,5 +1,6 @@
 // Refining.cpp - the candidate tree of a prefecture, of a city and of all codes that begin with one digit; beside the
-// same tree put together entry by entry, and a SELECT that sorts the same rows.
+// same tree put together entry by entry, and a SELECT that sorts the same rows. Then trees of many cities and of many
+// codes in turn.
 //
 // The same query again would find the tree as it is, so the tree is emptied in between: that is part of the measured
 // time.
@@ -29,6 +30,12 @@ struct CQuery {
     char const* pszSql; // the same rows, sorted as the tree is
     char const* pszFirst;
     char const* pszSecond; // its parameters, "" for none
+};
+
+// One of many, without the yardstick's statement.
+struct CRefinement {
+    std::string strCode, strAddr;
+    std::string strFirst, strSecond;
 };
 
 using CNodes = std::vector<tagADDRNODE const*>;
@@ -128,6 +135,32 @@ void AddQuery(CQuery const& query, CAddrDic& dic, CSqlite& db) {
     });
 }
 
+// Another query each time, so nothing has to be emptied in between.
+void AddTurns(std::string const& strGroup, std::vector<CRefinement> const& vQuery, char const* pszSql, CAddrDic& dic,
+              CSqlite& db) {
+    benchmark::RegisterBenchmark((strGroup + "/MakeRefineTree").c_str(), [&](benchmark::State& state) {
+        size_t n = 0;
+        for (auto _ : state) {
+            char szCode[8] = {};
+            vQuery[n].strCode.copy(szCode, sizeof szCode - 1);
+            dic.MakeRefineTree(szCode, vQuery[n].strAddr.c_str());
+            if (++n == vQuery.size()) n = 0;
+        }
+    });
+    benchmark::RegisterBenchmark((strGroup + "/sqlite_memory").c_str(), [&, pszSql](benchmark::State& state) {
+        CStatement select(db, pszSql);
+        std::vector<char> vText;
+        size_t n = 0;
+        for (auto _ : state) {
+            select.Bind(1, vQuery[n].strFirst);
+            select.Bind(2, vQuery[n].strSecond);
+            benchmark::DoNotOptimize(select.CopyRows(vText));
+            benchmark::ClobberMemory();
+            if (++n == vQuery.size()) n = 0;
+        }
+    });
+}
+
 } // namespace
 
 void RegisterRefining(CBench& bench, std::ostream& out) {
@@ -149,4 +182,10 @@ void RegisterRefining(CBench& bench, std::ostream& out) {
             throw std::runtime_error(std::string(query.pszGroup) + ": the two trees have different sizes");
         AddQuery(query, dic, bench.memory);
     }
+    static std::vector<CRefinement> vCode, vCity;
+    for (tagCODE const& code : bench.codes5) vCode.push_back({code.szCode, "", code.szCode, code.szEnd});
+    for (CQuestion const& city : bench.questions.vCity)
+        vCity.push_back({"", city.strText, city.vName[0], city.vName[1]});
+    AddTurns("refine_codes5", vCode, vQuery[2].pszSql, dic, bench.memory);
+    AddTurns("refine_cities", vCity, vQuery[1].pszSql, dic, bench.memory);
 }

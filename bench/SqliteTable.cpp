@@ -97,7 +97,9 @@ void FillTable(CSqlite& db, std::vector<tagROW> const& vRow) {
         insert.CopyRows(vNothing);
     }
     // Indexes last: filling them in order of the rows would be the slower way.
-    db.Execute("CREATE INDEX addr_code ON addr (code); CREATE INDEX addr_old ON addr (old); COMMIT; ANALYZE");
+    db.Execute("CREATE INDEX addr_code ON addr (code); CREATE INDEX addr_old ON addr (old);"
+               "CREATE INDEX addr_names ON addr (pref, city, town); CREATE INDEX addr_city ON addr (city); COMMIT;"
+               "ANALYZE");
 }
 
 void MakeTableFile(std::string const& strPath, std::vector<tagROW> const& vRow) {

@@ -25,6 +25,9 @@ inline constexpr char SQL_BY_CODE[] = "SELECT ext, code, pref, city, town, area,
 inline constexpr char SQL_BY_LEAD[] =
     "SELECT ext, code, pref, city, town, area, office FROM addr WHERE code >= ?1 AND code < ?2";
 inline constexpr char SQL_BY_OLD[] = "SELECT ext, code, pref, city, town, area, office FROM addr WHERE old = ?1";
+// Of table town (Questions.h).
+inline constexpr char SQL_BY_NAMES[] =
+    "SELECT code, old FROM town WHERE pref = ?1 AND city = ?2 AND town = ?3 LIMIT 1";
 inline constexpr char SQL_FIRST_BY_CODE[] = "SELECT rowid FROM addr WHERE code = ?1 LIMIT 1";
 inline constexpr char SQL_FIRST_BY_LEAD[] =
     "SELECT rowid FROM addr WHERE code >= ?1 AND code < ?2 ORDER BY code LIMIT 1";
@@ -68,7 +71,7 @@ class CStatement {
     sqlite3_stmt* m_pStatement;
 };
 
-// Makes table addr with its indexes over code and old code in an empty database.
+// Makes table addr with its indexes over code, old code, names, and city in an empty database.
 void FillTable(CSqlite& db, std::vector<tagROW> const& vRow);
 
 // The same as a new file, written as one transaction; an earlier file is removed.

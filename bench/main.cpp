@@ -1,6 +1,8 @@
 // main.cpp - qeadrs_bench: chooses the data, checks that both sides give the same answers, measures, prints ratios.
 #include "bench/Benchmarks.h"
+#include "bench/Memory.h"
 #include "bench/RatioReporter.h"
+#include "bench/Targets.h"
 
 #include <sqlite3.h>
 
@@ -19,6 +21,8 @@ std::string const WORK = BENCH_WORK;
 
 // Samples of leading parts and old codes: enough to be fair, few enough to be asked several times over.
 constexpr size_t SAMPLE = 1000;
+// Whole addresses: more than the caches hold.
+constexpr size_t ADDRESSES = 100000;
 
 std::string Environment(char const* pszName) {
     char const* const psz = std::getenv(pszName);
@@ -85,14 +89,34 @@ void PrintWhere(CBench const& bench, CData const& data, std::ostream& out) {
         << data.strRemark;
 }
 
+// Both databases get the same tables. The one in a file is opened afterwards, as its readers do.
+void FillTables(CSqlite& memory, std::string const& strTable, CBenchDictionary& dictionary, CPlainTree const& tree) {
+    FillTable(memory, dictionary.Rows());
+    FillNames(memory, tree, dictionary.Dic());
+    MakeTableFile(strTable, dictionary.Rows());
+    CSqlite file(strTable);
+    FillNames(file, tree, dictionary.Dic());
+}
+
+void CheckAndRegister(CBench& bench, std::ostream& out) {
+    CheckAnswers(bench, out);
+    RegisterLookups(bench);
+    RegisterAddressRecords(bench, out);
+    RegisterAddressText(bench, out);
+    RegisterParts(bench, out);
+    RegisterBrowsing(bench, out);
+    RegisterRefining(bench, out);
+    RegisterOpenAndCompile(bench);
+}
+
 int Measure(CChildRunner& runner) {
     CData const data = ChooseData(runner);
     CBenchDictionary dictionary(data.strDictionary);
     CProfile const profile(data.strDictionary);
+    CPlainTree const tree(dictionary.Dic());
     std::string const strTable = WORK + "/addresses.sqlite";
     CSqlite memory(":memory:");
-    FillTable(memory, dictionary.Rows());
-    MakeTableFile(strTable, dictionary.Rows());
+    FillTables(memory, strTable, dictionary, tree);
     CSqlite file(strTable, true);
     CBench bench = {dictionary,
                     memory,
@@ -104,19 +128,20 @@ int Measure(CChildRunner& runner) {
                     MakeCodes(dictionary.Rows(), 5, SAMPLE),
                     MakeCodes(dictionary.Rows(), 3, SAMPLE),
                     MakeOldCodes(dictionary.Rows(), SAMPLE),
+                    MakeQuestions(dictionary.Dic(), tree, ADDRESSES),
                     runner};
-    CheckAnswers(bench, std::cout);
-    RegisterLookups(bench);
-    RegisterAddressText(bench, std::cout);
-    RegisterBrowsing(bench, std::cout);
-    RegisterRefining(bench, std::cout);
-    RegisterOpenAndCompile(bench);
+    CheckAndRegister(bench, std::cout);
+    std::vector<CMemoryRun> const vMemory = MeasureMemory(bench);
     CRatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     std::cout << '\n';
     PrintWhere(bench, data, std::cout);
     reporter.PrintRatios(std::cout);
-    return EXIT_SUCCESS;
+    PrintMemory(vMemory, std::cout);
+    PrintTargets(reporter, vMemory, std::cout);
+    if (!reporter.Failed()) return EXIT_SUCCESS;
+    std::cerr << "qeadrs_bench: a benchmark had no answer\n";
+    return EXIT_FAILURE;
 }
 
 } // namespace
