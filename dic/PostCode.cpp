@@ -26,25 +26,6 @@ bool IsCodeCharacter(unsigned c) {
 // cache lines that the records and codes of so few entries fill, so all are fetched at once.
 constexpr uint32_t FETCHED_ENTRIES = 48;
 
-// Bytes from code to code, as our compiler has them: side by side in the order of the entries. Any other order costs
-// time only.
-constexpr size_t CODE_DISTANCE = 14;
-
-void FetchLines(void const* p, size_t nBytes) {
-    constexpr size_t LINE = 64;
-    for (size_t n = 0; n < nBytes; n += LINE) __builtin_prefetch(static_cast<char const*>(p) + n);
-}
-
-// REQUIRES: the middle is an entry.
-void FetchEntries(CImageView const& image, CBisection const& at) {
-    if (image.Info(at.nHigh) == nullptr) return;
-    FetchLines(image.Info(at.nLow), (at.nHigh - at.nLow + 1) * sizeof(tagADDRINFO));
-    size_t const nCode = image.Info(at.nMiddle)->nCode;
-    size_t const nBefore = std::min(nCode, (at.nMiddle - at.nLow) * CODE_DISTANCE);
-    size_t const nBehind = (at.nHigh - at.nMiddle + 1) * CODE_DISTANCE;
-    if (image.HasTextAt(nCode)) FetchLines(image.Area() + (nCode - nBefore), nBefore + nBehind);
-}
-
 } // namespace
 
 // The text is shortened in place: nothing is ever written beyond what has been read.
@@ -79,7 +60,8 @@ long FindFirstEntry(CImageView const& image, CPrefix const& code, CCodeProbes& p
         tagADDRINFO const* const pInfo = image.Info(at.nMiddle);
         if (pInfo == nullptr) return -1;
         if (!bFetched && at.nHigh - at.nLow < FETCHED_ENTRIES) {
-            FetchEntries(image, at);
+            FetchLines(image.Info(at.nLow), (at.nHigh - at.nLow + 1) * sizeof(tagADDRINFO));
+            probes.FetchCodes(image, at);
             bFetched = true;
         }
         probes.Keep(image, pInfo->nCode, at.nPlace);

@@ -2,7 +2,7 @@
 // (internal).
 //
 // All of it is made by the searches that use it, says what the image says, and goes with the image. Without memory for
-// it the searches read the image each time. At most, for the national dictionary: 32 KB for the code search, 384 KB of
+// it the searches read the image each time. At most, for the national dictionary: 48 KB for the code search, 384 KB of
 // marks, 16 KB for cities and half a megabyte for towns, these two by searches over the whole country only.
 #ifndef QEADRS_DIC_SEARCHMEMORY_H
 #define QEADRS_DIC_SEARCHMEMORY_H
