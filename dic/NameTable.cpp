@@ -33,13 +33,14 @@ uint64_t HashName(char const* pszName, size_t nLength) {
 } // namespace
 
 bool CNameTable::Make(CImageView const& image, CNodeRange const& level, EParts nParts) {
+    m_vSlot.Clear();
     m_nFirst = level.nFirst;
     if (level.Count() >= PLACES) return false;
     size_t nSlots = 16;
     while (nSlots < level.Count()) nSlots *= 2;
     // Names that many nodes share leave room; where they do not, a table of twice the size does.
     for (int nTry = 0; nTry < 2; ++nTry, nSlots *= 2) {
-        m_vLength[0] = m_vLength[1] = 0;
+        m_vLength[0] = m_vLength[1] = m_nLongestName = 0;
         if (m_vSlot.Make(nSlots) && Fill(image, level, nParts)) return true;
     }
     m_vSlot.Clear();
