@@ -29,7 +29,6 @@ class CImageView {
     unsigned char const* Image() const { return m_pImage; }
     uint32_t NodeCount() const { return m_nNodes; }
     uint32_t InfoCount() const { return m_nInfos; }
-    char const* Area() const { return m_pszArea; }
 
     // A word of the header, 0 without an image.
     uint32_t Word(tagHEADERWORD nWord) const { return m_pImage == nullptr ? 0 : HeaderWord(m_pImage, nWord); }
@@ -48,10 +47,9 @@ class CImageView {
         return m_bWhole || LengthAt(nOffset) < m_nSize - nOffset ? psz : nullptr;
     }
 
-    // Bytes from psz to its NUL or to the end of the area; 0 for a text that does not lie in the area.
+    // Bytes from psz to its NUL or to the end of the area; 0 for null. REQUIRES: a text that this image has given.
     size_t Length(char const* psz) const {
-        size_t const nRoom = Room(psz);
-        return nRoom == 0 ? 0 : LengthAt(m_nSize - nRoom);
+        return psz == nullptr ? 0 : LengthAt(static_cast<size_t>(psz - m_pszArea));
     }
 
     // The text nSkip bytes behind the end of the text at nOffset: 0 its NUL, 1 the text stored behind it. Null under
@@ -109,12 +107,6 @@ class CImageView {
     T const* Table(tagHEADERWORD nWord) const {
         void const* const pTable = m_pImage == nullptr ? nullptr : m_pImage + Word(nWord);
         return static_cast<T const*>(pTable);
-    }
-
-    size_t Room(char const* psz) const {
-        if (psz == nullptr || m_pszArea == nullptr || psz < m_pszArea) return 0;
-        size_t const nOffset = static_cast<size_t>(psz - m_pszArea);
-        return nOffset < m_nSize ? m_nSize - nOffset : 0;
     }
 
     // REQUIRES: nOffset lies in the area.

@@ -75,13 +75,16 @@ class CNameMarks {
         if (m_vMark.Size() == 0) m_vMark.Make(size_t{std::min(nNodes, MOST_NODES)} + GROUP);
     }
 
+    bool HasRoom(uint32_t nNode) const {
+        return nNode < Count();
+    }
     bool Has(uint32_t nNode) const {
-        return nNode < Count() && m_vMark[nNode] != 0;
+        return HasRoom(nNode) && m_vMark[nNode] != 0;
     }
 
     // Keeps the mark of a name; a very short one has none.
     void Keep(uint32_t nNode, CBeginning const& name) {
-        if (nNode >= Count()) return;
+        if (!HasRoom(nNode)) return;
         for (size_t const nBytes : MARKED)
             if (uint16_t const nMark = Mark(name, nBytes)) m_vMark[nNode] = nMark;
     }

@@ -41,7 +41,8 @@ class CNameSearch {
         char const* const psz = m_image.At(nOffset);
         if (psz == nullptr || !m_image.HasWordAt(nOffset))
             return {psz, psz == nullptr ? -1 : MatchName(m_pszText, psz), false};
-        bool const bOnePart = m_marks.Has(nNode) || Mark(nNode, nOffset, psz);
+        // Without room for a mark nobody needs to know.
+        bool const bOnePart = m_marks.HasRoom(nNode) && (m_marks.Has(nNode) || Mark(nNode, nOffset, psz));
         return {psz, MatchName(m_pszText, m_beginning.nFirst, psz, m_image.WordAt(nOffset)), bOnePart};
     }
 

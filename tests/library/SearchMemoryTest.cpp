@@ -1,5 +1,6 @@
 // SearchMemoryTest.cpp - the parts of what searches keep, each by itself: words, prefixes, steps, marks, tables of names.
 #include "dic/SearchMemory.h"
+#include "dic/PrefRows.h"
 #include "tests/support/GuardedBytes.h"
 #include "tests/support/TestImage.h"
 
@@ -144,6 +145,15 @@ TEST(CodeProbes, GoTheStepsThatMeetOtherCodesAndStopWhereTheCodeMayBe) {
     EXPECT_EQ(same.nPlace, 1u) << "the code of the first step begins with 100";
 }
 
+// --- prefectures ---------------------------------------------------------------------------------------------------
+
+TEST(PrefRows, AreFoundByADifferentNumberForEachOfThe47Names) {
+    CPrefRows const rows; // as the compiler has computed them
+    EXPECT_EQ(rows.nRows, PREF_ORDER_ROWS);
+    for (int nRow = 0; nRow < PREF_ORDER_ROWS; ++nRow)
+        EXPECT_EQ(rows.vRow[PrefHash(pref_order[nRow] + PREF_ORDER_NAME)], nRow + 1);
+}
+
 // --- marks ---------------------------------------------------------------------------------------------------------
 
 TEST(NameMarks, TellNothingOfNodesWhoseNamesWereNotRead) {
@@ -235,6 +245,38 @@ TEST(NameTable, RefusesNamesInTwoPartsWhereTheyWouldBeginATextByOne) {
     CNameTable table;
     EXPECT_FALSE(table.Make(bound.view, Towns(1), CNameTable::InOnePart));
     EXPECT_TRUE(table.Make(bound.view, Towns(1), CNameTable::InAnyParts));
+}
+
+TEST(NameTable, FindsNothingInATableThatItsNamesFillToTheLastSlot) {
+    std::vector<std::string> vName;
+    for (char c = '0'; c < '0' + 64; ++c) vName.push_back(std::string("town ") + c);
+    CBound const bound(TownsNamed(vName));
+    CNameTable table;
+    ASSERT_TRUE(table.Make(bound.view, Towns(vName.size()), CNameTable::InAnyParts));
+    for (size_t n = 0; n < vName.size(); ++n)
+        EXPECT_EQ(table.Find(bound.view, vName[n].c_str()).first.nNode, FIRST_TOWN + n);
+    EXPECT_EQ(table.Find(bound.view, "town x").first.nNode, ADDR_NONE);
+}
+
+TEST(NameTable, RefusesALevelOfAMillionNodesWithoutReadingIt) {
+    CBound const bound(TownsNamed({}));
+    CNameTable table;
+    EXPECT_FALSE(table.Make(bound.view, {0, 1U << 20}, CNameTable::InAnyParts));
+}
+
+TEST(NameTable, RefusesNamesThatAllComeToTheSameSlot) {
+    // FNV-1a of the name, upper half onto the lower one: the same eight bits for 65 names.
+    std::vector<std::string> vName;
+    for (unsigned n = 0; vName.size() < 65; ++n) {
+        std::string const strName = std::to_string(n);
+        uint64_t nHash = 0xCBF29CE484222325U;
+        for (char const c : strName) nHash = (nHash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
+        if (((nHash ^ nHash >> 32) & 0xFF) == 0x5A) vName.push_back(strName);
+    }
+    CBound const bound(TownsNamed(vName));
+    CNameTable table;
+    EXPECT_FALSE(table.Make(bound.view, Towns(65), CNameTable::InAnyParts));
+    EXPECT_TRUE(table.Make(bound.view, Towns(64), CNameTable::InAnyParts)) << "one name fewer";
 }
 
 TEST(NameTable, OfNoNodesFindsNothing) {
