@@ -191,19 +191,16 @@ class CTable {
 
 // The lengths of texts that are measured twice, for the size of their block and to fill it: those of the first texts,
 // all of most answers, are kept.
-class CLengths {
-  public:
+struct CLengths {
+    static constexpr size_t KEPT = 16 * ZIP_TEXTS;
+    size_t vLength[KEPT];
+
     size_t Measure(size_t nText, char const* psz) {
         size_t const nLength = TextLength(psz);
-        if (nText < KEPT) m_vLength[nText] = nLength;
+        if (nText < KEPT) vLength[nText] = nLength;
         return nLength;
     }
-    size_t Of(size_t nText, char const* psz) const { return nText < KEPT ? m_vLength[nText] : TextLength(psz); }
-
-  private:
-    static constexpr size_t KEPT = 16 * ZIP_TEXTS;
-
-    size_t m_vLength[KEPT];
+    size_t Of(size_t nText, char const* psz) const { return nText < KEPT ? vLength[nText] : TextLength(psz); }
 };
 
 int PackAddresses(std::vector<tagADDR> const& vAddr, HGLOBAL* phResult) {

@@ -10,17 +10,18 @@
 #include <string>
 
 struct tagADDRESSRECORD {
-    uint16_t nSortType;
-    char szOldCode[6];
-    char szCode[15];
-    char szAddress[122];
-    char szOffice[256];
+    uint16_t nSortType = SORT_DICTIONARY;
+    char szOldCode[6] = {};
+    char szCode[15] = {};
+    char szAddress[122] = {};
+    char szOffice[256] = {};
 
     // What a caller does before each call. The names are normalised in place, so every call needs its copy. Longer
     // texts are cut.
     void Fill(std::string const& strAddress, std::string const& strOffice) {
         nSortType = SORT_DICTIONARY;
-        std::memset(szOldCode, 0, sizeof szOldCode + sizeof szCode);
+        std::memset(szOldCode, 0, sizeof szOldCode);
+        std::memset(szCode, 0, sizeof szCode);
         Copy(szAddress, strAddress);
         Copy(szOffice, strOffice);
     }

@@ -53,7 +53,8 @@ class CNameMarks {
             unsigned nBits = 0;
             for (uint32_t n = 0; n < GROUP; ++n) {
                 bool bHit = pGroup[n] == 0;
-                for (auto const& vMark : m_vMark) bHit = bHit || pGroup[n] == vMark[n];
+                for (size_t nKind = 0; nKind < std::size(MARKED); ++nKind)
+                    bHit = bHit || pGroup[n] == m_vMark[nKind][n];
                 nBits |= (bHit ? 1U : 0U) << n;
             }
             return nBits;

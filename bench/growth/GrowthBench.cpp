@@ -60,7 +60,7 @@ void AddLoop(std::string const& strName, std::vector<T> const& vQuestion, F Ask)
     });
 }
 
-void AddCodes(CAddrDic& dic, CQuestions const& questions) {
+void AddCodes(CAddrDic& dic, CGrowthQuestions const& questions) {
     AddLoop("search_code", questions.vCode, [&dic](std::string const& strCode) -> size_t {
         return dic.SearchPostCode7(strCode.c_str()) < 0 ? 0 : 1;
     });
@@ -89,7 +89,7 @@ size_t AskZip(CPlaceQuestion const& question) {
     return PstAdrGetZip(&record) == 0 ? 1 : 0;
 }
 
-void AddAddresses(CAddrDic& dic, CQuestions const& questions) {
+void AddAddresses(CAddrDic& dic, CGrowthQuestions const& questions) {
     AddLoop("address_whole", questions.vWhole, AskZip);
     AddLoop("address_bare", questions.vBare, AskZip);
     AddLoop("address_nothing", questions.vNothing, AskZip);
@@ -105,7 +105,7 @@ void AddAddresses(CAddrDic& dic, CQuestions const& questions) {
     });
 }
 
-void AddLists(CAddrDic& dic, CQuestions const& questions) {
+void AddLists(CAddrDic& dic, CGrowthQuestions const& questions) {
     static std::vector<int> vPref(PREF_ORDER_ROWS);
     for (int n = 0; n < PREF_ORDER_ROWS; ++n) vPref[static_cast<size_t>(n)] = n;
     AddLoop("list_prefectures", vPref, [&dic](int) {
@@ -146,7 +146,7 @@ std::vector<CRefineQuestion> CountEntries(CAddrDic& dic, std::vector<std::string
 }
 
 // The same query again would find its tree: the tree is emptied in between.
-void AddRefining(CAddrDic& dic, CQuestions const& questions) {
+void AddRefining(CAddrDic& dic, CGrowthQuestions const& questions) {
     static std::vector<CRefineQuestion> const vCode = CountEntries(dic, questions.vCode);
     static std::vector<CRefineQuestion> const vLead = CountEntries(dic, questions.vLead);
     auto const Refine = [&dic](CRefineQuestion const& question) {
@@ -161,7 +161,7 @@ void AddRefining(CAddrDic& dic, CQuestions const& questions) {
 
 // The first searches of a fresh object over the whole country: the time is that of the dearest one, which makes
 // tables where some are made. The pages of the dictionary have been mapped before.
-void AddFirstSearches(CMappedDictionary const& dictionary, CQuestions const& questions) {
+void AddFirstSearches(CMappedDictionary const& dictionary, CGrowthQuestions const& questions) {
     auto* const pBenchmark = benchmark::RegisterBenchmark("dearest_nothing", [&](benchmark::State& state) {
         double dFirst = 0;
         for (auto _ : state) {
@@ -183,7 +183,7 @@ void AddFirstSearches(CMappedDictionary const& dictionary, CQuestions const& que
     pBenchmark->UseManualTime()->Iterations(3);
 }
 
-void AddOpening(CQuestions const& questions) {
+void AddOpening(CGrowthQuestions const& questions) {
     AddLoop("open_first_answer", questions.vCode, [](std::string const& strCode) -> size_t {
         Api().reset();
         if (PstAdrOpen() != 0) std::abort();
@@ -201,7 +201,7 @@ void AddContext(char const* pszName, size_t n) {
 int Measure(std::string const& strDictionary) {
     CMappedDictionary const dictionary(strDictionary);
     CProfile const profile(strDictionary);
-    CQuestions const questions = DrawQuestions(dictionary, MOST_QUESTIONS);
+    CGrowthQuestions const questions = DrawQuestions(dictionary, MOST_QUESTIONS);
     AddContext("bytes", dictionary.Size());
     AddContext("entries", dictionary.Word(HDR_INFO_COUNT));
     AddContext("cities", dictionary.Word(HDR_CITY_COUNT));

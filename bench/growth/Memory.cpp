@@ -69,7 +69,7 @@ void AskOldCode(std::string const& strOld) {
     if (PstAdrCity(&record, &h) == 0) GlobalFree(h);
 }
 
-void Ask(CQuestions const& questions, size_t n) {
+void Ask(CGrowthQuestions const& questions, size_t n) {
     if (n % NOTHING_EVERY == 0) return AskZip(Pick(questions.vNothing, n / NOTHING_EVERY));
     HGLOBAL h = nullptr;
     switch (n % 7) {
@@ -94,7 +94,7 @@ void Ask(CQuestions const& questions, size_t n) {
 
 void MeasureMemory(std::string const& strDictionary, std::ostream& out) {
     CProfile const profile(strDictionary);
-    CQuestions const questions = DrawQuestions(CMappedDictionary(strDictionary), QUESTIONS);
+    CGrowthQuestions const questions = DrawQuestions(CMappedDictionary(strDictionary), QUESTIONS);
     { COpenApi const loadsWhatOpeningLoads; }
     malloc_trim(0);
     long const nPrivate = PrivateKb(), nFile = FileKb();

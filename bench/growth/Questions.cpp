@@ -32,7 +32,7 @@ class CDraw {
         m_dic.SetDictionary(dictionary.Image());
     }
 
-    CQuestions Draw() {
+    CGrowthQuestions Draw() {
         size_t const nEntries = m_dictionary.Word(HDR_INFO_COUNT);
         for (size_t n = 0; nEntries > 0 && n < DRAWS * m_nMost && !IsFull(); ++n) TakeEntry(m_random() % nEntries);
         if (m_questions.vWhole.empty() || m_questions.vOffice.empty())
@@ -53,7 +53,7 @@ class CDraw {
     }
 
     bool IsFull() const {
-        CQuestions const& q = m_questions;
+        CGrowthQuestions const& q = m_questions;
         return q.vCode.size() == m_nMost && q.vOld.size() == m_nMost && q.vWhole.size() == m_nMost &&
                q.vOffice.size() == m_nMost && q.vGone.size() == m_nMost;
     }
@@ -117,7 +117,7 @@ class CDraw {
     size_t m_nMost;
     CAddrDic m_dic;
     std::mt19937 m_random{BENCH_SEED};
-    CQuestions m_questions;
+    CGrowthQuestions m_questions;
 };
 
 } // namespace
@@ -137,6 +137,6 @@ CMappedDictionary::~CMappedDictionary() {
     munmap(const_cast<unsigned char*>(m_pImage), m_nSize);
 }
 
-CQuestions DrawQuestions(CMappedDictionary const& dictionary, size_t nMost) {
+CGrowthQuestions DrawQuestions(CMappedDictionary const& dictionary, size_t nMost) {
     return CDraw(dictionary, nMost).Draw();
 }

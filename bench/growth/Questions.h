@@ -34,7 +34,7 @@ struct CPlaceQuestion {
     std::string strOffice; // without blanks; "" for none
 };
 
-struct CQuestions {
+struct CGrowthQuestions {
     std::vector<std::string> vCode;       // of random entries: frequent codes as often as they are
     std::vector<std::string> vLead;       // three digits of a code
     std::vector<std::string> vOld;        //
@@ -49,6 +49,6 @@ struct CQuestions {
 
 // At most nMost of each kind. Throws std::runtime_error when the dictionary has no addresses, and when one of the
 // texts that name nothing names something.
-CQuestions DrawQuestions(CMappedDictionary const& dictionary, size_t nMost);
+CGrowthQuestions DrawQuestions(CMappedDictionary const& dictionary, size_t nMost);
 
 #endif
