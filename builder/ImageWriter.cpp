@@ -37,6 +37,15 @@ void AppendRecord(std::vector<unsigned char>& vByte, T const& record) {
     vByte.insert(vByte.end(), p, p + sizeof record);
 }
 
+// As the string area has a name and its reading.
+std::string Joined(std::string_view strName, std::string_view strKana) {
+    std::string strText;
+    strText.reserve(strName.size() + strKana.size() + 2);
+    strText.append(strName).push_back('\0');
+    strText.append(strKana).push_back('\0');
+    return strText;
+}
+
 } // namespace
 
 // CImageLayout - one writing of an image: the order of its records, then their bytes.
@@ -116,15 +125,9 @@ class CImageLayout {
         return vId;
     }
 
-    // Codes first and in table order, so that neighbouring entries of a search share cache lines; then the names in
-    // the order of the nodes. A superseded entry's codes carry its successor and are never shared.
+    // Codes first and in table order, so that neighbouring entries of a search share cache lines; then the names. A
+    // superseded entry's codes carry its successor and are never shared.
     void WriteStrings() {
-        auto const Append = [this](std::string const& str) {
-            uint32_t const nOffset = static_cast<uint32_t>(m_strArea.size());
-            m_strArea += str;
-            if (m_strArea.size() > ADDR_NONE) throw CBuildError("The names do not fit into a dictionary of 4 GB.");
-            return nOffset;
-        };
         std::string strLast;
         uint32_t nLast = 0;
         for (uint32_t nId : m_vEntryOrder) {
@@ -134,15 +137,44 @@ class CImageLayout {
                 uint32_t const nSuccessor = NewEntry(entry.nSuccessor);
                 strCodes.append(reinterpret_cast<char const*>(&nSuccessor), sizeof nSuccessor);
             }
-            if (entry.nSuccessor != ADDR_NONE || strCodes != strLast) nLast = Append(strCodes);
+            if (entry.nSuccessor != ADDR_NONE || strCodes != strLast) nLast = AppendString(strCodes);
             strLast = entry.nSuccessor != ADDR_NONE ? std::string() : strCodes;
             m_vCodeOffset.push_back(nLast);
         }
+        WriteNames();
+    }
+
+    // A text is compared with the names of all towns of a city in turn, and so these stand in the order of the nodes.
+    // What is below a town is mostly read for the entries of a run of codes, and so it stands in their order.
+    void WriteNames() {
         m_vTextOffset.assign(m_writer.m_vText.size(), ADDR_NONE);
-        for (uint32_t nId : m_vNodeOrder) {
-            uint32_t& nOffset = m_vTextOffset[Node(nId).nText];
-            if (nOffset == ADDR_NONE) nOffset = Append(NodeText(nId));
+        for (uint32_t nId : m_vNodeOrder)
+            if (Node(nId).nLevel <= LEVEL_TOWN) AppendName(nId);
+        std::vector<uint32_t> vPath; // of one entry, from its node up to what is below the town
+        for (uint32_t nEntry : m_vEntryOrder) {
+            vPath.clear();
+            for (uint32_t nId = m_writer.m_vEntry[nEntry].nNode; nId != ADDR_NONE; nId = Node(nId).nParent) {
+                if (Node(nId).nLevel <= LEVEL_TOWN) break;
+                vPath.push_back(nId);
+            }
+            while (!vPath.empty()) {
+                AppendName(vPath.back());
+                vPath.pop_back();
+            }
         }
+        for (uint32_t nId : m_vNodeOrder) AppendName(nId); // aliases, and what has no entry
+    }
+
+    void AppendName(uint32_t nId) {
+        uint32_t& nOffset = m_vTextOffset[Node(nId).nText];
+        if (nOffset == ADDR_NONE) nOffset = AppendString(NodeText(nId));
+    }
+
+    uint32_t AppendString(std::string const& str) {
+        uint32_t const nOffset = static_cast<uint32_t>(m_strArea.size());
+        m_strArea += str;
+        if (m_strArea.size() > ADDR_NONE) throw CBuildError("The names do not fit into a dictionary of 4 GB.");
+        return nOffset;
     }
 
     void BeginTable(tagHEADERWORD nWord) {
@@ -244,30 +276,34 @@ void CImageWriter::SetIdentification(uint32_t nEdition, ESource nSource) {
     m_nSource = nSource;
 }
 
-uint32_t CImageWriter::AddText(std::string_view strName, std::string_view strKana, bool bShared) {
-    std::string strText;
-    strText.reserve(strName.size() + strKana.size() + 2);
-    strText.append(strName).push_back('\0');
-    strText.append(strKana).push_back('\0');
-    uint32_t const nNext = static_cast<uint32_t>(m_vText.size());
-    if (bShared) {
-        auto const [pFound, bNew] = m_mapShared.emplace(strText, nNext);
-        if (!bNew) return pFound->second;
-    }
-    m_vText.push_back(std::move(strText));
-    return nNext;
+uint32_t CImageWriter::AddOwnText(std::string_view strName, std::string_view strKana) {
+    m_vText.push_back(Joined(strName, strKana));
+    return static_cast<uint32_t>(m_vText.size() - 1);
+}
+
+// Shared with the nodes of its city only: a reader of neighbouring entries would have to go far for the rest, and what
+// is written twice for it is one hundredth of the national dictionary.
+uint32_t CImageWriter::AddSharedText(uint32_t nCity, std::string_view strName, std::string_view strKana) {
+    std::string strKey = Joined(strName, strKana);
+    strKey.append(reinterpret_cast<char const*>(&nCity), sizeof nCity);
+    auto const [pFound, bNew] = m_mapShared.emplace(std::move(strKey), static_cast<uint32_t>(m_vText.size()));
+    return bNew ? AddOwnText(strName, strKana) : pFound->second;
 }
 
 // Texts of the upper levels stay apart even when they are equal: an organisation is matched to its town by the place
 // of the town's name, not by its characters.
 uint32_t CImageWriter::AddNode(uint32_t nParent, uint8_t nLevel, std::string_view strName, std::string_view strKana) {
-    m_vNode.push_back({nParent, ADDR_NONE, AddText(strName, strKana, nLevel > LEVEL_TOWN), nLevel, false});
-    return static_cast<uint32_t>(m_vNode.size() - 1);
+    auto const nId = static_cast<uint32_t>(m_vNode.size());
+    uint32_t const nCity = nLevel == LEVEL_CITY ? nId : nParent == ADDR_NONE ? ADDR_NONE : m_vNode[nParent].nCity;
+    uint32_t const nText =
+        nLevel <= LEVEL_TOWN ? AddOwnText(strName, strKana) : AddSharedText(nCity, strName, strKana);
+    m_vNode.push_back({nParent, ADDR_NONE, nText, nCity, nLevel, false});
+    return nId;
 }
 
 uint32_t CImageWriter::AddAlias(uint32_t nNode, std::string_view strName) {
     CNode alias = m_vNode[nNode];
-    alias.nText = AddText(strName, {}, true);
+    alias.nText = AddSharedText(alias.nCity, strName, {});
     alias.bAlias = true;
     m_vNode.push_back(alias);
     return static_cast<uint32_t>(m_vNode.size() - 1);

@@ -69,8 +69,8 @@ class CImageWriter {
 
     // Lays the image out: nodes by depth, below that by their parents' order, aliases behind all of them; entries by
     // code, then by node; city index (all nodes of level 1) and organisation index by name bytes, then by node. In the
-    // string area the codes stand first, in table order. Names of levels 0 to 2 are stored once for each node, all
-    // other texts once each.
+    // string area the codes stand first, in table order; then the names of levels 0 to 2 in the order of the nodes, one
+    // for each node; then those below in the order of the entries, once for each city; aliases last.
     CImage Write() const;
 
   private:
@@ -78,6 +78,7 @@ class CImageWriter {
         uint32_t nParent;
         uint32_t nEntry;
         uint32_t nText;
+        uint32_t nCity; // itself for a city, none for what is in no city
         uint8_t nLevel;
         bool bAlias;
     };
@@ -88,15 +89,16 @@ class CImageWriter {
     };
     friend class CImageLayout;
 
-    uint32_t AddText(std::string_view strName, std::string_view strKana, bool bShared);
+    uint32_t AddOwnText(std::string_view strName, std::string_view strKana);
+    uint32_t AddSharedText(uint32_t nCity, std::string_view strName, std::string_view strKana);
 
     uint32_t m_nEdition = 0;
     ESource m_nSource = ESource::Unknown;
     std::vector<CNode> m_vNode;
     std::vector<CEntry> m_vEntry;
     std::vector<uint32_t> m_vOffice;
-    std::vector<std::string> m_vText; // "name NUL reading NUL", by text number
-    std::unordered_map<std::string, uint32_t> m_mapShared;
+    std::vector<std::string> m_vText;                      // "name NUL reading NUL", by text number
+    std::unordered_map<std::string, uint32_t> m_mapShared; // the same and the city's id
 };
 
 // The checksum in the header: CRC-32 (polynomial 0xEDB88320) of the image with the checksum's own word taken as zero.

@@ -243,6 +243,56 @@ TEST(ImageWriter, SharesEqualTextsOnlyBelowTheTownLevel) {
     EXPECT_EQ(setShared.count(written.Node(written.image.vNodeIndex[nOtherKana]).nName), 0u);
 }
 
+TEST(ImageWriter, SharesATextWithinItsCityOnly) {
+    CImageWriter writer;
+    uint32_t const nPref = writer.AddNode(ADDR_NONE, LEVEL_PREF, "東京都");
+    std::vector<uint32_t> vArea;
+    std::vector<uint32_t> vAlias;
+    for (char const* pszCity : {"港区", "千代田区"}) {
+        uint32_t const nCity = writer.AddNode(nPref, LEVEL_CITY, pszCity);
+        for (char const* pszTown : {"一町", "二町"}) {
+            vArea.push_back(writer.AddNode(writer.AddNode(nCity, LEVEL_TOWN, pszTown), LEVEL_AREA, "１丁目"));
+            uint32_t const nOffice = writer.AddNode(vArea.back(), LEVEL_OFFICE, pszTown);
+            writer.AddEntry(nOffice, "1000001", "100");
+            vAlias.push_back(writer.AddAlias(nOffice, "会社"));
+        }
+    }
+    CWritten const written(writer);
+    for (std::vector<uint32_t> const& vId : {vArea, vAlias}) {
+        std::vector<uint32_t> vName;
+        for (uint32_t nId : vId) vName.push_back(written.Node(written.image.vNodeIndex[nId]).nName);
+        EXPECT_EQ(vName[0], vName[1]);
+        EXPECT_EQ(vName[2], vName[3]);
+        EXPECT_NE(vName[1], vName[2]);
+    }
+}
+
+TEST(ImageWriter, PutsNamesOfTownsInTheOrderOfNodesAndThoseBelowInTheOrderOfEntries) {
+    CImageWriter writer;
+    uint32_t const nPref = writer.AddNode(ADDR_NONE, LEVEL_PREF, "pref");
+    uint32_t const nCity = writer.AddNode(nPref, LEVEL_CITY, "city");
+    for (char const* psz : {"9", "1"}) { // the codes of the first town stand behind those of the second
+        std::string const strNumber(psz);
+        uint32_t const nTown = writer.AddNode(nCity, LEVEL_TOWN, "town" + strNumber);
+        uint32_t const nArea = writer.AddNode(nTown, LEVEL_AREA, "area" + strNumber);
+        uint32_t const nOffice = writer.AddNode(nArea, LEVEL_OFFICE, "office" + strNumber);
+        writer.AddNode(nTown, LEVEL_AREA, "without a code" + strNumber);
+        writer.AddEntry(nTown, strNumber + "000001", "");
+        writer.AddEntry(nOffice, strNumber + "000002", "");
+        writer.AddEntry(nArea, strNumber + "000003", "");
+        writer.AddAlias(nOffice, "alias" + strNumber);
+    }
+    CWritten const written(writer);
+    std::map<uint32_t, std::string> mapName; // by offset
+    for (uint32_t n = 0; n < written.Word(HDR_NODE_COUNT); ++n) mapName[written.Node(n).nName] = written.Name(n);
+    std::vector<std::string> vName;
+    for (auto const& [nOffset, strName] : mapName) vName.push_back(strName);
+    EXPECT_THAT(vName, ElementsAre("pref", "city", "town9", "town1",       //
+                                   "area1", "office1", "area9", "office9", //
+                                   "without a code9", "without a code1",   //
+                                   "alias9", "alias1"));
+}
+
 TEST(ImageWriter, EndsTheStringAreaInNul) {
     CWritten const written{CWriterWorld()};
     EXPECT_EQ(*written.dic.GetString(written.Word(HDR_STRING_SIZE) - 1), '\0');
