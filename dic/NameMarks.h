@@ -79,8 +79,9 @@ class CNameMarks {
     bool HasRoom(uint32_t nNode) const {
         return nNode < Count();
     }
+    // REQUIRES: HasRoom.
     bool Has(uint32_t nNode) const {
-        return HasRoom(nNode) && m_vMark[nNode] != 0;
+        return m_vMark[nNode] != 0;
     }
 
     // Keeps the mark of a name; a very short one has none.
