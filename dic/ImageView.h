@@ -71,7 +71,7 @@ class CImageView {
     }
 
     // Has bytes of the string area fetched into the cache; reads nothing.
-    void FetchText(size_t nOffset, size_t nBytes = 1) const {
+    void FetchText(size_t nOffset, size_t nBytes) const {
         if (nOffset < m_nSize) FetchLines(m_pszArea + nOffset, nBytes);
     }
 

@@ -44,9 +44,6 @@ inline tagADDRNODE const* StoreEntry(CImageView const& image, tagADDRINFO const&
     addr.pszPostCode = image.At(info.nCode);
     // The code's own NUL, not the old code behind it: callers of this operation rely on an empty text here.
     addr.pszCodeExt = image.Behind(info.nCode, 0);
-    // The names lie apart: all are on their way before the first one is measured.
-    for (CUpwardWalk walk(image, info.nNode & ~ADDRINFO_SUPERSEDED); walk.Node() != nullptr; walk.Next())
-        image.FetchText(walk.Node()->nName);
     tagADDRNODE const* pCity = nullptr;
     for (CUpwardWalk walk(image, info.nNode & ~ADDRINFO_SUPERSEDED); walk.Node() != nullptr; walk.Next()) {
         StoreLevel(image, *walk.Node(), addr);
