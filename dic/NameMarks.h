@@ -22,6 +22,29 @@
 #    include <emmintrin.h>
 #endif
 
+// Marks that are looked at together.
+constexpr uint32_t MARK_GROUP = 8;
+
+// A bit for each mark of the group that is 0 or equal to its neighbour in one of the rows.
+template <size_t ROWS>
+unsigned MarksToRead(uint16_t const* pGroup, uint16_t const (&vRow)[ROWS][MARK_GROUP]) {
+#if defined(__SSE2__)
+    auto const Load = [](void const* p) { return _mm_loadu_si128(static_cast<__m128i const*>(p)); };
+    __m128i const marks = Load(pGroup);
+    __m128i hits = _mm_cmpeq_epi16(marks, _mm_setzero_si128());
+    for (auto const& row : vRow) hits = _mm_or_si128(hits, _mm_cmpeq_epi16(marks, Load(row)));
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(hits, _mm_setzero_si128())));
+#else
+    unsigned nBits = 0;
+    for (uint32_t n = 0; n < MARK_GROUP; ++n) {
+        bool bHit = pGroup[n] == 0;
+        for (size_t nRow = 0; nRow < ROWS; ++nRow) bHit = bHit || pGroup[n] == vRow[nRow][n];
+        nBits |= (bHit ? 1U : 0U) << n;
+    }
+    return nBits;
+#endif
+}
+
 class CNameMarks {
     // A mark is made of so many bytes, the most that the name has.
     static constexpr size_t MARKED[] = {3, 6, 9, 12};
@@ -30,9 +53,6 @@ class CNameMarks {
   public:
     // Nodes behind these have no mark: an object takes two megabytes at most.
     static constexpr uint32_t MOST_NODES = 1U << 20;
-
-    // Marks that are looked at together.
-    static constexpr uint32_t GROUP = 8;
 
     // The marks of the names that may begin a text.
     class CText {
@@ -43,46 +63,20 @@ class CNameMarks {
         }
 
         // A bit for each mark of the group that says so or says nothing.
-        unsigned Candidates(uint16_t const* pGroup) const {
-#if defined(__SSE2__)
-            __m128i const marks = Group(pGroup);
-            __m128i hits = _mm_cmpeq_epi16(marks, _mm_setzero_si128());
-            for (auto const& vMark : m_vMark) hits = _mm_or_si128(hits, _mm_cmpeq_epi16(marks, Group(vMark)));
-            return static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(hits, _mm_setzero_si128())));
-#else
-            unsigned nBits = 0;
-            for (uint32_t n = 0; n < GROUP; ++n) {
-                bool bHit = pGroup[n] == 0;
-                for (size_t nKind = 0; nKind < std::size(MARKED); ++nKind)
-                    bHit = bHit || pGroup[n] == m_vMark[nKind][n];
-                nBits |= (bHit ? 1U : 0U) << n;
-            }
-            return nBits;
-#endif
-        }
+        unsigned Candidates(uint16_t const* pGroup) const { return MarksToRead(pGroup, m_vMark); }
 
       private:
-#if defined(__SSE2__)
-        static __m128i Group(void const* p) {
-            return _mm_loadu_si128(static_cast<__m128i const*>(p));
-        }
-#endif
-
-        alignas(16) uint16_t m_vMark[std::size(MARKED)][GROUP]; // each as often as a group has marks
+        uint16_t m_vMark[std::size(MARKED)][MARK_GROUP]; // each as often as a group has marks
     };
 
     // Makes room for the marks of all nodes; without memory for them every name is read.
     void MakeRoom(uint32_t nNodes) {
-        if (m_vMark.Size() == 0) m_vMark.Make(size_t{std::min(nNodes, MOST_NODES)} + GROUP);
+        if (m_vMark.Size() == 0) m_vMark.Make(size_t{std::min(nNodes, MOST_NODES)} + MARK_GROUP);
     }
 
-    bool HasRoom(uint32_t nNode) const {
-        return nNode < Count();
-    }
+    bool HasRoom(uint32_t nNode) const { return nNode < Count(); }
     // REQUIRES: HasRoom.
-    bool Has(uint32_t nNode) const {
-        return m_vMark[nNode] != 0;
-    }
+    bool Has(uint32_t nNode) const { return m_vMark[nNode] != 0; }
 
     // Keeps the mark of a name; a very short one has none.
     void Keep(uint32_t nNode, CBeginning const& name) {
@@ -95,7 +89,7 @@ class CNameMarks {
     template <typename FIsLast>
     void ForEachCandidate(CNodeRange const& range, CText const& text, FIsLast const& IsLast) const {
         uint32_t const nMarked = std::max(range.nFirst, std::min(range.nEnd, Count()));
-        for (uint32_t n = range.nFirst; n < nMarked; n += GROUP) {
+        for (uint32_t n = range.nFirst; n < nMarked; n += MARK_GROUP) {
             for (unsigned nBits = text.Candidates(m_vMark.Data() + n); nBits != 0; nBits &= nBits - 1) {
                 uint32_t const nNode = n + static_cast<uint32_t>(__builtin_ctz(nBits));
                 if (nNode >= nMarked) break;
@@ -118,9 +112,7 @@ class CNameMarks {
         return nMark == 0 ? 1 : nMark;
     }
 
-    uint32_t Count() const {
-        return m_vMark.Size() == 0 ? 0 : static_cast<uint32_t>(m_vMark.Size() - GROUP);
-    }
+    uint32_t Count() const { return m_vMark.Size() == 0 ? 0 : static_cast<uint32_t>(m_vMark.Size() - MARK_GROUP); }
 
     CZeroedArray<uint16_t> m_vMark; // and a group more, so that one can be read at each
 };

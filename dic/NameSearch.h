@@ -33,9 +33,6 @@ class CNameSearch {
     }
 
   private:
-    // Names that are longer are not measured; no sound dictionary has one.
-    static constexpr size_t LONGEST_MARKED = 127;
-
     CName Read(uint32_t nNode) {
         uint32_t const nOffset = m_image.Node(nNode)->nName;
         char const* const psz = m_image.At(nOffset);
@@ -49,8 +46,8 @@ class CNameSearch {
     // Keeps the mark of a name in one part; returns whether it is one.
     bool Mark(uint32_t nNode, uint32_t nOffset, char const* pszName) {
         unsigned short nType = 0;
-        if (strnlen(pszName, LONGEST_MARKED + 1) > LONGEST_MARKED || FrontPartLength(pszName, &nType) != 0)
-            return false;
+        if (strnlen(pszName, CNameTable::LONGEST_NAME + 1) > CNameTable::LONGEST_NAME) return false;
+        if (FrontPartLength(pszName, &nType) != 0) return false;
         if (m_image.HasWordAt(size_t{nOffset} + WORD_BYTES))
             m_marks.Keep(nNode,
                          CBeginning::Of(m_image.WordAt(nOffset), m_image.WordAt(size_t{nOffset} + WORD_BYTES)));

@@ -3,8 +3,9 @@
 // A search over the whole country would compare its text with the names of 1,900 cities or 120,000 towns. Here each name
 // leads to its first node, and a text is looked up by as many of its beginnings as there are lengths of names.
 //
-// Bounds: a level of a million nodes at most, names of 127 bytes at most, and few names to one place of the table. What
-// goes beyond them, which only a damaged dictionary does, has no table and is searched name by name.
+// Bounds: a level of a million nodes at most, names of 127 bytes at most, and few names to one place of the table. A
+// level that goes beyond them, as in a country of nine times the towns or a damaged dictionary, has no table and is
+// searched name by name.
 #ifndef QEADRS_DIC_NAMETABLE_H
 #define QEADRS_DIC_NAMETABLE_H
 
@@ -20,6 +21,9 @@ struct CNameMatch {
 
 class CNameTable {
   public:
+    // Longer names are not read on; no sound dictionary has one.
+    static constexpr size_t LONGEST_NAME = 127;
+
     // Of all names that begin a text the one of the first node, and the longest one.
     struct CFound {
         CNameMatch first;
@@ -38,7 +42,6 @@ class CNameTable {
     CFound Find(CImageView const& image, char const* pszText) const;
 
   private:
-    static constexpr size_t LONGEST_NAME = 127;
     static constexpr unsigned MOST_PROBES = 64;
 
     // A slot: 0 when it is free; else the place of a node in its level, from 1 on, and above it bits of its name's hash.
