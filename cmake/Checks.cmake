@@ -3,7 +3,7 @@
 # with the reasons.
 set(QE_FOLDERS dic tree api platform builder text cli bench bench/growth fuzz)
 list(TRANSFORM QE_FOLDERS REPLACE "(.+)" "${CMAKE_SOURCE_DIR}/\\1/[A-Za-z]*.[ch]*" OUTPUT_VARIABLE QE_PATTERNS)
-file(GLOB QEADRS_SOURCES CONFIGURE_DEPENDS ${QE_PATTERNS} ${CMAKE_SOURCE_DIR}/examples/*.c)
+file(GLOB QEADRS_SOURCES CONFIGURE_DEPENDS ${QE_PATTERNS} ${CMAKE_SOURCE_DIR}/examples/*.c*)
 file(GLOB_RECURSE QEADRS_TEST_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/*.cpp ${CMAKE_SOURCE_DIR}/tests/*.h)
 find_program(CLANG_FORMAT NAMES clang-format-14 clang-format)
 find_program(CLANG_TIDY NAMES clang-tidy-14 clang-tidy)

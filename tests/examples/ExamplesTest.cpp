@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 namespace {
@@ -45,14 +46,27 @@ CTestImage Chiyoda() {
     return image;
 }
 
+// The image with what the C++ hosts look at before they bind it: the mark, the format, the size of the file.
+std::vector<unsigned char> AsFile(std::vector<unsigned char> vByte) {
+    auto const nSize = static_cast<uint32_t>(vByte.size());
+    uint32_t const nFormat = 1;
+    std::memcpy(&vByte[0], "QEADRS\x1A", 8);
+    std::memcpy(&vByte[8], &nFormat, sizeof nFormat);
+    std::memcpy(&vByte[20], &nSize, sizeof nSize);
+    return vByte;
+}
+
 class Examples : public testing::Test {
   protected:
     void SetUp() override {
         m_profile.SetDicDir(m_profile.Folder());
-        m_profile.WriteDictionary(Chiyoda().Bytes());
+        m_profile.WriteDictionary(AsFile(Chiyoda().Bytes()));
     }
     CRun RunLegacy(std::string const& strText) {
         return RunHost(EXAMPLE_LEGACY " " + m_profile.DictionaryPath() + " '" + strText + "'");
+    }
+    CRun RunLookup(std::string const& strText) {
+        return RunHost(EXAMPLE_LOOKUP " " + m_profile.DictionaryPath() + " '" + strText + "'");
     }
     CTestProfile m_profile;
 };
@@ -126,6 +140,33 @@ TEST_F(Examples, TheLegacyHostSaysWhenThereIsNoDictionaryAndWhenItIsCalledWrongl
     EXPECT_EQ(RunHost(EXAMPLE_LEGACY " " + m_profile.Folder() + "/nothing.dic 100").nStatus, 2);
     EXPECT_EQ(RunHost(EXAMPLE_LEGACY).nStatus, 3);
     EXPECT_EQ(RunLegacy(std::string(128, '1')).nStatus, 3);
+}
+
+TEST_F(Examples, TheHostInCppFindsAddressesOfACodeAndTheCodeOfAnAddress) {
+    CRun const run = RunLookup("100-");
+    EXPECT_EQ(run.strOutput, "1000003 東京都千代田区一ツ橋１丁目 \n"
+                             "1006801 東京都千代田区大手町ＪＡビル１階 \n"
+                             "1008790 東京都千代田区大手町ＪＡビル１階 見本商事\n");
+    EXPECT_EQ(run.nStatus, 0);
+    EXPECT_EQ(RunLookup("東京都千代田区無い町").nStatus, 1);
+    EXPECT_EQ(RunLookup("9999999").nStatus, 1);
+}
+
+TEST_F(Examples, TheHostInCppSaysWhenThereIsNoDictionaryAndWhenItIsCalledWrongly) {
+    std::string const strFile = m_profile.Folder() + "/nothing.dic";
+    CRun const run = RunHost(EXAMPLE_LOOKUP " " + strFile + " 100");
+    EXPECT_EQ(run.strOutput, strFile + " cannot be opened: No such file or directory.\n");
+    EXPECT_EQ(run.nStatus, 2);
+    EXPECT_EQ(RunHost(EXAMPLE_LOOKUP).nStatus, 3);
+}
+
+TEST_F(Examples, TheBrowsingHostInCppListsCitiesAndTowns) {
+    EXPECT_EQ(RunHost(EXAMPLE_TOWNS " 東京都").strOutput, "千代田区\n");
+    EXPECT_EQ(RunHost(EXAMPLE_TOWNS " 東京都 千代田区").strOutput, "2000000\t一ツ橋\n\t大手町\n");
+    for (char const* const pszPlace : {"", "無い県", "東京都 無い市"})
+        EXPECT_EQ(RunHost(std::string(EXAMPLE_TOWNS " ") + pszPlace).nStatus, 1) << pszPlace;
+    m_profile.SetDicDir(m_profile.Folder() + "/nothing");
+    EXPECT_EQ(RunHost(EXAMPLE_TOWNS " 東京都").nStatus, 2);
 }
 
 } // namespace

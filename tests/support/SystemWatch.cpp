@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <sys/types.h>
 
+#include <cerrno>
 #include <cstdarg>
 
 namespace {
@@ -96,6 +97,7 @@ template <typename FUNCTION, typename OFFSET>
 void* Map(FUNCTION pfnReal, void* pWish, size_t nSize, int nProt, int nFlags, int hFile, OFFSET nOffset) {
     bool const bFails = pCurrent != nullptr && pCurrent->Fails("mmap");
     void* const p = bFails ? MAP_FAILED : pfnReal(pWish, nSize, nProt, nFlags, hFile, nOffset);
+    if (bFails) errno = ENODEV; // as a file system that cannot map says
     bool const bPlain = pWish == nullptr && nProt == PROT_READ && nFlags == MAP_SHARED && nOffset == 0;
     Note(bPlain ? "mmap" : "mmap with other arguments", "", p, nSize, hFile);
     return p;
