@@ -4,9 +4,7 @@
 // the levels, what it left unread, and the organisation behind the code.
 #include "cli/AddrCommand.h"
 
-#include "api/Pstexec.h"
 #include "cli/Address.h"
-#include "cli/ApiData.h"
 #include "cli/Command.h"
 #include "cli/Text.h"
 
@@ -53,19 +51,18 @@ class CAddrCommand : public CCommand {
     std::string ReadQuery(std::string const& strText) const override { return ReadAddressField(strText); }
 
     void Answer(std::string const& strAddress) override {
-        CAddressRecord record(strAddress, m_strOffice);
-        bool const bFound = PstAdrGetZip(record.Pointer()) == 0;
+        qeadrs::CResult<qeadrs::CCodes> const codes = Dictionary().Api().CodeOf(strAddress, m_strOffice);
         tagADDR addr(0);
         Dictionary().Class().DivideAddr(strAddress.c_str(), &addr);
-        if (!bFound) {
-            std::string const strLevels = DescribeLevels(Dictionary(), addr);
+        if (!codes) {
+            std::string const strLevels = DescribeLevels(Dictionary().Dic().Read(addr));
             return ReportNotFound(strAddress, strLevels.empty() ? "" : "recognised: " + strLevels);
         }
-        bool const bOwnCode = record.Code() == Dictionary().Text(addr.pszPostCode); // not an organisation's
+        bool const bOwnCode = codes->strCode == Dictionary().Text(addr.pszPostCode); // not an organisation's
         CPlace const place = FindPlace(addr);
-        CRow row = {record.Code(),     record.OldCode(),  Name(place.pPref),
+        CRow row = {codes->strCode,    codes->strOldCode, Name(place.pPref),
                     Name(place.pCity), Name(place.pTown), addr.pszArea};
-        if (m_options.strOffice) row.push_back(bOwnCode ? "" : FindOffice(record, addr));
+        if (m_options.strOffice) row.push_back(bOwnCode ? "" : FindOffice(*codes, addr));
         if (m_options.bKana) row.insert(row.end(), {Kana(place.pPref), Kana(place.pCity), Kana(place.pTown)});
         Print(std::move(row));
         if (bOwnCode) RemarkPlace(strAddress, addr, place);
@@ -108,9 +105,9 @@ class CAddrCommand : public CCommand {
     // --- organisation ------------------------------------------------------------------------------------------
 
     // The organisation that gave its code: the API does not name it. "" when it cannot be told.
-    std::string FindOffice(CAddressRecord const& record, tagADDR const& addr) {
+    std::string FindOffice(qeadrs::CCodes const& codes, tagADDR const& addr) {
         std::vector<tagADDR> vAddr;
-        Dictionary().Class().GetAddrFromPostCode7(record.Code().c_str(), vAddr);
+        Dictionary().Class().GetAddrFromPostCode7(codes.strCode.c_str(), vAddr);
         std::vector<std::string> vOffice;
         for (tagADDR const& candidate : vAddr) {
             // The same texts of the dictionary: the same nodes.
@@ -118,7 +115,7 @@ class CAddrCommand : public CCommand {
                                 candidate.pszTown == addr.pszTown;
             if (bThere && candidate.pszOffice != nullptr) vOffice.push_back(Dictionary().Text(candidate.pszOffice));
         }
-        return vOffice.size() == 1 ? vOffice[0] : ChooseOffice(vOffice, record.Office());
+        return vOffice.size() == 1 ? vOffice[0] : ChooseOffice(vOffice, codes.strOffice);
     }
 
     // Of organisations that share a code, the one that the API has met: the first name, as it is or without blanks and

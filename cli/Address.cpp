@@ -1,7 +1,6 @@
 // Address.cpp - addresses as rows of texts.
 #include "cli/Address.h"
 
-#include "cli/ApiData.h"
 #include "cli/Failure.h"
 
 #include <algorithm>
@@ -14,24 +13,24 @@ namespace {
 // By EColumn: the column's name, and the field it is filled from.
 struct CField {
     char const* pszKey;
-    char const* tagADDR::*pszText;
+    std::string_view qeadrs::CRecord::*pText;
 };
 constexpr CField FIELDS[] = {
-    {"postal_code", &tagADDR::pszPostCode},
-    {"old_code", &tagADDR::pszCodeExt},
-    {"prefecture", &tagADDR::pszPref},
-    {"city", &tagADDR::pszCity},
-    {"town", &tagADDR::pszTown},
-    {"area", &tagADDR::pszArea},
-    {"building", &tagADDR::pszBlock},
-    {"floor", &tagADDR::pszNote},
-    {"organisation", &tagADDR::pszOffice},
-    {"prefecture_kana", &tagADDR::pszPrefKana},
-    {"city_kana", &tagADDR::pszCityKana},
-    {"town_kana", &tagADDR::pszTownKana},
-    {"area_kana", &tagADDR::pszAreaKana},
-    {"building_kana", &tagADDR::pszBlockKana},
-    {"organisation_kana", &tagADDR::pszOfficeKana},
+    {"postal_code", &qeadrs::CRecord::strCode},
+    {"old_code", &qeadrs::CRecord::strOldCode},
+    {"prefecture", &qeadrs::CRecord::strPref},
+    {"city", &qeadrs::CRecord::strCity},
+    {"town", &qeadrs::CRecord::strTown},
+    {"area", &qeadrs::CRecord::strArea},
+    {"building", &qeadrs::CRecord::strBlock},
+    {"floor", &qeadrs::CRecord::strNote},
+    {"organisation", &qeadrs::CRecord::strOffice},
+    {"prefecture_kana", &qeadrs::CRecord::strPrefKana},
+    {"city_kana", &qeadrs::CRecord::strCityKana},
+    {"town_kana", &qeadrs::CRecord::strTownKana},
+    {"area_kana", &qeadrs::CRecord::strAreaKana},
+    {"building_kana", &qeadrs::CRecord::strBlockKana},
+    {"organisation_kana", &qeadrs::CRecord::strOfficeKana},
 };
 static_assert(std::size(FIELDS) == COL_COUNT);
 
@@ -39,28 +38,16 @@ size_t ColumnCount(bool bKana) {
     return bKana ? COL_COUNT : COL_PREF_KANA;
 }
 
-// Not the count at offset 0 of a block: it has 16 bits, and a query may have more answers.
-size_t CountAddresses(CBlock const& block) {
-    size_t const nEntries = block.Long(4);
-    size_t const nPool = block.Long(8);
-    return nPool > nEntries ? (nPool - nEntries) / ENTRY_SIZE : 0;
-}
-
-// The first addresses of a block, as far as their texts are columns.
-std::vector<CRow> ReadAddresses(CBlock const& block, size_t nCount) {
-    constexpr std::pair<size_t, EColumn> SLOTS[] = {{0, COL_CODE},  {8, COL_PREF},  {12, COL_CITY},
-                                                    {16, COL_TOWN}, {20, COL_AREA}, {24, COL_OFFICE}};
-    std::vector<CRow> vAddress(nCount, CRow(COL_COUNT));
-    for (size_t i = 0; i < nCount; ++i)
-        for (auto const& [nSlot, nColumn] : SLOTS) vAddress[i][nColumn] = block.EntryText(i, nSlot);
-    return vAddress;
-}
-
-// Adds what the block does not carry. REQUIRES: both are the same address.
-void Complete(CRow& address, CRow const& full) {
-    for (EColumn nColumn : {COL_OLD_CODE, COL_BUILDING, COL_FLOOR, COL_PREF_KANA, COL_CITY_KANA, COL_TOWN_KANA,
-                            COL_AREA_KANA, COL_BUILDING_KANA, COL_OFFICE_KANA})
-        address[nColumn] = full[nColumn];
+// The API's texts as far as it has them, the class's for all else. REQUIRES: both are the same address.
+CRow Join(qeadrs::CAddress const& address, qeadrs::CRecord const& record) {
+    CRow row = MakeAddress(record);
+    row[COL_CODE] = address.strCode;
+    row[COL_PREF] = address.strPref;
+    row[COL_CITY] = address.strCity;
+    row[COL_TOWN] = address.strTown;
+    row[COL_AREA] = address.strArea;
+    row[COL_OFFICE] = address.strOffice;
+    return row;
 }
 
 } // namespace
@@ -71,13 +58,9 @@ std::vector<std::string> AddressColumns(bool bKana) {
     return vKey;
 }
 
-CRow MakeAddress(CDictionary const& dictionary, tagADDR const& addr) {
+CRow MakeAddress(qeadrs::CRecord const& record) {
     CRow address;
-    for (CField const& field : FIELDS) address.push_back(dictionary.Text(addr.*field.pszText));
-    // In a dictionary the old code stands right behind the NUL of the postal code, and that NUL is what a lookup by
-    // code leaves in pszCodeExt. Address text leaves the old code itself, which may be "".
-    if (addr.pszCodeExt != nullptr && addr.pszCodeExt == addr.pszPostCode + address[COL_CODE].size())
-        address[COL_OLD_CODE] = dictionary.Text(addr.pszCodeExt + 1);
+    for (CField const& field : FIELDS) address.emplace_back(record.*field.pText);
     return address;
 }
 
@@ -86,25 +69,21 @@ CRow AddressRow(CRow address, bool bKana) {
     return address;
 }
 
-CAddresses JoinAnswers(CDictionary const& dictionary, int nResult, HGLOBAL hResult, std::vector<tagADDR> const& vAddr,
-                       size_t nLimit) {
-    if (nResult != 0) {
-        if (vAddr.empty()) return {};
-        throw CFailure(EXIT_SYSTEM, "not enough memory."); // the API does not tell this from "not found"
-    }
-    CBlock const block(hResult);
+CAddresses JoinAnswers(qeadrs::CResult<qeadrs::CAddresses> answer, qeadrs::CRecords const& records, size_t nLimit) {
+    // The API does not tell a lack of memory from "not found".
+    if (!answer && records.empty()) return {};
+    qeadrs::CAddresses const block = Demand(std::move(answer));
     CAddresses addresses;
-    addresses.nCount = CountAddresses(block);
-    addresses.vAddress = ReadAddresses(block, std::min(addresses.nCount, nLimit));
-    for (size_t i = 0; i < addresses.vAddress.size() && i < vAddr.size(); ++i)
-        Complete(addresses.vAddress[i], MakeAddress(dictionary, vAddr[i]));
+    addresses.nCount = block.size();
+    for (size_t i = 0; i < std::min(addresses.nCount, nLimit); ++i)
+        addresses.vAddress.push_back(Join(block[i], records[i]));
     return addresses;
 }
 
-std::string DescribeLevels(CDictionary const& dictionary, tagADDR const& addr) {
+std::string DescribeLevels(qeadrs::CRecord const& record) {
     std::string strLevels;
     for (EColumn nColumn : {COL_PREF, COL_CITY, COL_TOWN}) {
-        std::string const strName = dictionary.Text(addr.*FIELDS[nColumn].pszText);
+        std::string const strName(record.*FIELDS[nColumn].pText);
         if (!strName.empty())
             strLevels += (strLevels.empty() ? "" : ", ") + (FIELDS[nColumn].pszKey + (' ' + strName));
     }

@@ -2,9 +2,9 @@
 #ifndef QEADRS_CLI_ADDRESS_H
 #define QEADRS_CLI_ADDRESS_H
 
+#include "api/qeadrs.hpp"
 #include "cli/Dictionary.h"
 #include "cli/Output.h"
-#include "platform/Win32Compat.h"
 
 #include <limits>
 #include <string>
@@ -36,23 +36,22 @@ enum EColumn : size_t {
 std::vector<std::string> AddressColumns(bool bKana);
 
 // An address out of the class's answers, all columns.
-CRow MakeAddress(CDictionary const& dictionary, tagADDR const& addr);
+CRow MakeAddress(qeadrs::CRecord const& record);
 
 // The address cut to the columns of AddressColumns.
 CRow AddressRow(CRow address, bool bKana);
 
-// The two answers to one query as one: the block of GetAdrFromZip or GetAdrFromAdd, which the API returned nResult
-// with, and the addresses of the class, which have what the block lacks. Same file, same order, same sort type: they
-// are the same addresses one by one.
+// The two answers to one query as one: the API's, and the class's, which have what the API's lacks. Same file, same
+// order, same sort type: they are the same addresses one by one.
 struct CAddresses {
     size_t nCount = 0;          // all there are
     std::vector<CRow> vAddress; // the first nLimit of them, all columns
 };
-CAddresses JoinAnswers(CDictionary const& dictionary, int nResult, HGLOBAL hResult, std::vector<tagADDR> const& vAddr,
+CAddresses JoinAnswers(qeadrs::CResult<qeadrs::CAddresses> answer, qeadrs::CRecords const& records,
                        size_t nLimit = std::numeric_limits<size_t>::max());
 
 // The levels that were read from an address text, for a remark: "prefecture 東京都, city 千代田区"; "" for none.
-std::string DescribeLevels(CDictionary const& dictionary, tagADDR const& addr);
+std::string DescribeLevels(qeadrs::CRecord const& record);
 
 } // namespace qe
 

@@ -1,73 +1,22 @@
 // Browser.cpp - the browsing calls of the API, each beside its like in the class.
 #include "cli/Browser.h"
 
-#include "api/Pstexec.h"
 #include "cli/Address.h"
-#include "cli/ApiData.h"
 #include "cli/Failure.h"
 
-#include <cstdint>
-#include <cstring>
+#include <algorithm>
 #include <limits>
 #include <unordered_set>
 #include <utility>
 
 namespace qe {
 
-namespace {
-
-void Check(uint32_t nStatus) {
-    if (nStatus != 0) throw CFailure(EXIT_SYSTEM, "not enough memory.");
-}
-
-// The record of PstAdrRPrf: the address record, whose text goes on to its NUL, however long it is.
-std::vector<char> PrefectureRecord(std::string const& strText, uint16_t nSortType) {
-    std::vector<char> vRecord(offsetof(tagADDRESSRECORD, szAddress) + strText.size() + 1);
-    std::memcpy(vRecord.data(), &nSortType, sizeof nSortType);
-    strText.copy(&vRecord[offsetof(tagADDRESSRECORD, szAddress)], strText.size());
-    return vRecord;
-}
-
-// Texts of a block that stand one behind the other, each with a byte of its length in front. A text above 255 bytes
-// stands there whole, though its byte does not hold its length: the class knows it.
-class CTextReader {
-  public:
-    explicit CTextReader(CBlock const& block) : m_block(block) {}
-    std::string Take(std::string const& strKnown) {
-        size_t const nLength = strKnown.size();
-        std::string strText(m_block.Bytes(m_nOffset + 1, nLength));
-        m_nOffset += 1 + nLength;
-        return strText;
-    }
-    void SkipByte() { ++m_nOffset; }
-
-  private:
-    CBlock const& m_block;
-    size_t m_nOffset = 2; // behind the count
-};
-
-constexpr size_t LINE_SLOTS[] = {0, 4, 16, 24}; // postal code, old code, line, organisation
-
-CRow ReadLine(CBlock const& block, size_t nLine) {
-    CRow row;
-    for (size_t const nSlot : LINE_SLOTS) row.push_back(block.EntryText(nLine, nSlot));
-    return row;
-}
-
-} // namespace
-
 // --- both answers --------------------------------------------------------------------------------------------------
 
 CBrowser::CAnswer CBrowser::AskPrefectures(std::string const& strText) {
-    std::vector<char> vRecord = PrefectureRecord(strText, m_nSortType);
     CAnswer answer;
-    HGLOBAL hResult = nullptr;
-    uint32_t const nStatus = PstAdrRPrf(vRecord.data(), &hResult);
-    if (nStatus != PST_NO_PREFECTURE) {
-        Check(nStatus);
-        answer.pBlock = std::make_unique<CBlock>(hResult);
-    }
-    m_dictionary.Class().SetSortType(m_nSortType);
+    qeadrs::CResult<qeadrs::CBlock> block = m_dictionary.Api().PrefectureBlock(strText);
+    if (block || block.Error().nKind != qeadrs::EError::NotFound) answer.block = Demand(std::move(block));
     if (strText.empty())
         m_dictionary.Class().GetPref(answer.vAddr);
     else
@@ -78,9 +27,7 @@ CBrowser::CAnswer CBrowser::AskPrefectures(std::string const& strText) {
 CBrowser::CAnswer CBrowser::Ask(size_t nNumber, PFNAPI pfnApi, PFNCLASS pfnClass) {
     CAnswer answer;
     if (nNumber > std::numeric_limits<unsigned short>::max()) return answer;
-    HGLOBAL hResult = nullptr;
-    Check(pfnApi(static_cast<unsigned short>(nNumber), &hResult));
-    answer.pBlock = std::make_unique<CBlock>(hResult);
+    answer.block = Demand(m_dictionary.Api().Block(pfnApi, static_cast<unsigned short>(nNumber)));
     (m_dictionary.Class().*pfnClass)(nNumber, answer.vAddr);
     return answer;
 }
@@ -93,11 +40,6 @@ CBrowser::CAnswer CBrowser::AskCities(size_t nPref) {
 CBrowser::CAnswer CBrowser::AskTowns(size_t nPref, size_t nCity) {
     AskCities(nPref);
     return Ask(nCity, PstAdrRTown, &CAddrDic::GetTownFromNo);
-}
-
-CBrowser::CAnswer CBrowser::AskAll(size_t nPref, size_t nCity) {
-    AskCities(nPref);
-    return Ask(nCity, PstAdrRTownForUI, &CAddrDic::GetTownExFromNo);
 }
 
 // --- lists ---------------------------------------------------------------------------------------------------------
@@ -115,52 +57,43 @@ tagADDRINFO const* CBrowser::EntryOf(tagADDRNODE const* pNode) const {
     return pNode == nullptr ? nullptr : m_dictionary.Class().GetAddrInfo(pNode->nInfo);
 }
 
-std::vector<CPlace> CBrowser::Prefectures() {
-    CAnswer const answer = AskPrefectures("");
+// The block's texts have the lengths of the class's: above 255 bytes the block itself does not tell.
+std::vector<CPlace> CBrowser::Places(CAnswer const& answer, CTextMembers const& vText) const {
+    if (!answer.block) return {};
+    constexpr std::string CPlace::*TEXTS[] = {&CPlace::strName, &CPlace::strCode, &CPlace::strOldCode};
+    qeadrs::CPackedReader reader(answer.block->Bytes());
     std::vector<CPlace> vPlace;
-    if (answer.pBlock == nullptr) return vPlace;
-    CTextReader reader(*answer.pBlock);
-    for (size_t i = 0; i < answer.vAddr.size(); ++i) {
-        CPlace place = MakePlace(i, answer.vAddr[i]);
-        place.strName = reader.Take(m_dictionary.Text(answer.vAddr[i].pszPref));
-        if (!place.strName.empty()) vPlace.push_back(std::move(place));
+    for (tagADDR const& addr : answer.vAddr) {
+        CPlace place = MakePlace(vPlace.size(), addr);
+        for (size_t i = 0; i < vText.size(); ++i)
+            place.*TEXTS[i] = reader.Take(m_dictionary.Text(addr.*vText[i]).size());
+        if (vText.size() > 1) reader.TakeZero();
+        vPlace.push_back(std::move(place));
     }
+    if (!reader.IsGood()) throw CFailure(EXIT_SYSTEM, "an answer of the library ends too early.");
+    return vPlace;
+}
+
+std::vector<CPlace> CBrowser::Prefectures() {
+    std::vector<CPlace> vPlace = Places(AskPrefectures(""), {&tagADDR::pszPref});
+    vPlace.erase(
+        std::remove_if(vPlace.begin(), vPlace.end(), [](CPlace const& place) { return place.strName.empty(); }),
+        vPlace.end());
     return vPlace;
 }
 
 std::vector<CPlace> CBrowser::Cities(size_t nPref) {
-    CAnswer const answer = AskCities(nPref);
-    std::vector<CPlace> vPlace;
-    if (answer.pBlock == nullptr) return vPlace;
-    CTextReader reader(*answer.pBlock);
-    for (tagADDR const& addr : answer.vAddr) {
-        vPlace.push_back(MakePlace(vPlace.size(), addr));
-        vPlace.back().strName = reader.Take(m_dictionary.Text(addr.pszCity));
-    }
-    return vPlace;
+    return Places(AskCities(nPref), {&tagADDR::pszCity});
 }
 
 std::vector<CPlace> CBrowser::Towns(size_t nPref, size_t nCity) {
-    CAnswer const answer = AskTowns(nPref, nCity);
-    std::vector<CPlace> vPlace;
-    if (answer.pBlock == nullptr) return vPlace;
-    CTextReader reader(*answer.pBlock);
-    for (tagADDR const& addr : answer.vAddr) {
-        vPlace.push_back(MakePlace(vPlace.size(), addr));
-        vPlace.back().strName = reader.Take(m_dictionary.Text(addr.pszTown));
-        vPlace.back().strCode = reader.Take(m_dictionary.Text(addr.pszPostCode));
-        vPlace.back().strOldCode = reader.Take(m_dictionary.Text(addr.pszCodeExt));
-        reader.SkipByte();
-    }
-    return vPlace;
+    return Places(AskTowns(nPref, nCity), {&tagADDR::pszTown, &tagADDR::pszPostCode, &tagADDR::pszCodeExt});
 }
 
 std::vector<std::string> CBrowser::PrefecturesOf(std::string const& strText) {
-    CAnswer const answer = AskPrefectures(strText);
     std::vector<std::string> vName;
-    if (answer.pBlock == nullptr) return vName;
-    CTextReader reader(*answer.pBlock);
-    for (tagADDR const& addr : answer.vAddr) vName.push_back(reader.Take(m_dictionary.Text(addr.pszPref)));
+    for (CPlace& place : Places(AskPrefectures(strText), {&tagADDR::pszPref}))
+        vName.push_back(std::move(place.strName));
     return vName;
 }
 
@@ -177,7 +110,7 @@ std::vector<CRow> CBrowser::Addresses(CPlace const& place) const {
         if (!seen.insert(pInfo).second) continue;
         tagADDR addr(0);
         m_dictionary.Class().GetAddr(pInfo, &addr);
-        vAddress.push_back(MakeAddress(m_dictionary, addr));
+        vAddress.push_back(MakeAddress(m_dictionary.Dic().Read(addr)));
     }
     return vAddress;
 }
@@ -195,11 +128,17 @@ std::vector<CRow> CBrowser::Lines(size_t nPref, size_t nCity, size_t nTown) {
 }
 
 std::vector<CRow> CBrowser::LinesOf(size_t nPref, size_t nCity, std::function<bool(tagADDR const&)> const& Fits) {
-    CAnswer const answer = AskAll(nPref, nCity);
+    AskCities(nPref);
+    CAnswer answer = Ask(nCity, PstAdrRTownForUI, &CAddrDic::GetTownExFromNo);
     std::vector<CRow> vLine;
-    if (answer.pBlock == nullptr) return vLine;
-    for (size_t i = 0; i < answer.vAddr.size(); ++i)
-        if (Fits(answer.vAddr[i])) vLine.push_back(ReadLine(*answer.pBlock, i));
+    if (!answer.block) return vLine;
+    qeadrs::CLines const lines = Demand(qeadrs::CLines::Of(*std::move(answer.block)));
+    for (size_t i = 0; i < answer.vAddr.size(); ++i) {
+        qeadrs::CLine const line = lines[i];
+        if (Fits(answer.vAddr[i]))
+            vLine.push_back({std::string(line.strCode), std::string(line.strOldCode), std::string(line.strLine),
+                             std::string(line.strOffice)});
+    }
     return vLine;
 }
 

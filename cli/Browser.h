@@ -9,15 +9,13 @@
 #ifndef QEADRS_CLI_BROWSER_H
 #define QEADRS_CLI_BROWSER_H
 
-#include "cli/ApiData.h"
+#include "api/qeadrs.hpp"
 #include "cli/Dictionary.h"
 #include "cli/Output.h"
-#include "platform/Win32Compat.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <functional>
-#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,7 +32,9 @@ struct CPlace {
 
 class CBrowser {
   public:
-    CBrowser(CDictionary& dictionary, unsigned short nSortType) : m_dictionary(dictionary), m_nSortType(nSortType) {}
+    CBrowser(CDictionary& dictionary, unsigned short nSortType) : m_dictionary(dictionary) {
+        m_dictionary.SetSortType(nSortType);
+    }
 
     // A prefecture that the dictionary lacks is left out, its number with it. A number beyond a list, or beyond the 16
     // bits that the API takes, has no list below it.
@@ -54,24 +54,24 @@ class CBrowser {
     std::vector<std::string> PrefecturesOf(std::string const& strText);
 
   private:
-    // Both answers to one level: the API's block, null when it had none, and the class's records.
+    // Both answers to one level: the API's block, if it had one, and the class's records.
     struct CAnswer {
-        std::unique_ptr<CBlock> pBlock;
+        std::optional<qeadrs::CBlock> block;
         std::vector<tagADDR> vAddr;
     };
-    using PFNAPI = uint32_t (*)(unsigned short, HGLOBAL*);
+    using PFNAPI = qeadrs::CApi::PFNBROWSE;
+    using CTextMembers = std::vector<char const * tagADDR::*>; // name, code and old code, as far as a level has them
     using PFNCLASS = bool (CAddrDic::*)(unsigned long, std::vector<tagADDR>&);
     CAnswer AskPrefectures(std::string const& strText);
     CAnswer Ask(size_t nNumber, PFNAPI pfnApi, PFNCLASS pfnClass);
     CAnswer AskCities(size_t nPref);
     CAnswer AskTowns(size_t nPref, size_t nCity);
-    CAnswer AskAll(size_t nPref, size_t nCity);
+    std::vector<CPlace> Places(CAnswer const& answer, CTextMembers const& vText) const;
     CPlace MakePlace(size_t nNumber, tagADDR const& addr) const;
     tagADDRINFO const* EntryOf(tagADDRNODE const* pNode) const; // null when it has none
     std::vector<CRow> LinesOf(size_t nPref, size_t nCity, std::function<bool(tagADDR const&)> const& Fits);
 
     CDictionary& m_dictionary;
-    unsigned short m_nSortType;
 };
 
 } // namespace qe

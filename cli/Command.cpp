@@ -1,7 +1,6 @@
 // Command.cpp - answering the arguments, or standard input line by line.
 #include "cli/Command.h"
 
-#include "cli/ApiData.h"
 #include "cli/Text.h"
 
 #include <unistd.h>

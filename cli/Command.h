@@ -7,7 +7,7 @@
 #ifndef QEADRS_CLI_COMMAND_H
 #define QEADRS_CLI_COMMAND_H
 
-#include "cli/ApiData.h"
+#include "api/qeadrs.hpp"
 #include "cli/Dictionary.h"
 #include "cli/Failure.h"
 #include "cli/Output.h"
@@ -76,7 +76,7 @@ std::string ReadAddressText(std::string const& strText);
 
 // The same for an address that has to fit into a field of nLongest bytes. Throws CFailure with EXIT_USAGE when
 // it does not: it would be cut.
-std::string ReadAddressField(std::string const& strText, size_t nLongest = ADDRESS_LENGTH);
+std::string ReadAddressField(std::string const& strText, size_t nLongest = qeadrs::ADDRESS_LENGTH);
 
 } // namespace qe
 

@@ -5,7 +5,6 @@
 // out again by comparing it with the entries of its code, which are read one by one.
 #include "cli/FindCommand.h"
 
-#include "api/Pstexec.h"
 #include "cli/Address.h"
 #include "cli/Command.h"
 #include "cli/Text.h"
@@ -51,13 +50,10 @@ class CFindCommand : public CCommand {
     }
 
     CAddresses FindAddresses(std::string const& strText) {
-        std::vector<tagADDR> vAddr;
-        Dictionary().Class().GetAddrFromAddrPart(strText.c_str(), vAddr);
-        HGLOBAL hResult = nullptr;
-        int const nResult = GetAdrFromAdd(strText.c_str(), &hResult);
-        CAddresses addresses = JoinAnswers(Dictionary(), nResult, hResult, vAddr, m_options.nLimit);
-        for (size_t i = 0; i < addresses.vAddress.size() && i < vAddr.size(); ++i)
-            TakeOutNeighbours(vAddr[i], addresses.vAddress[i]);
+        qeadrs::CRecords const records = Dictionary().Dic().FromPart(strText);
+        CAddresses addresses = JoinAnswers(Dictionary().Api().FromPart(strText), records, m_options.nLimit);
+        for (size_t i = 0; i < addresses.vAddress.size() && i < records.size(); ++i)
+            TakeOutNeighbours(records.Class()[i], addresses.vAddress[i]);
         return addresses;
     }
 
@@ -88,7 +84,7 @@ class CFindCommand : public CCommand {
         if (pOwn == nullptr) return;
         for (CLevel const& level : LEVELS) {
             // The unread rest of the text stands in the area, and is nobody's.
-            if (pOwn->*level.pszText != nullptr || !Dictionary().Holds(addr.*level.pszText)) continue;
+            if (pOwn->*level.pszText != nullptr || !Dictionary().Dic().File().Holds(addr.*level.pszText)) continue;
             row[level.nColumn].clear();
             row[level.nKanaColumn].clear();
         }

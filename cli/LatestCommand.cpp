@@ -4,9 +4,7 @@
 // The class tells both.
 #include "cli/LatestCommand.h"
 
-#include "api/Pstexec.h"
 #include "cli/Address.h"
-#include "cli/ApiData.h"
 #include "cli/Command.h"
 
 namespace qe {
@@ -26,15 +24,14 @@ class CLatestCommand : public CCommand {
     std::string ReadQuery(std::string const& strText) const override { return ReadAddressField(strText); }
 
     void Answer(std::string const& strAddress) override {
-        CAddressRecord record(strAddress);
-        PstAdrGetLatestAdr(record.Pointer());
         tagADDR latest(0);
         if (Dictionary().Class().GetLatestAddr(strAddress.c_str(), latest) == 0) {
-            std::string const strLevels = DescribeLevels(Dictionary(), latest);
+            std::string const strLevels = DescribeLevels(Dictionary().Dic().Read(latest));
             return ReportNotFound(strAddress, strLevels.empty() ? "" : "recognised: " + strLevels);
         }
-        std::string const strLatest = Whole(record.Address(), latest);
-        Print({strLatest, record.Code(), record.OldCode(), IsChanged(strAddress, latest) ? "yes" : "no",
+        qeadrs::CLatest const written = Demand(Dictionary().Api().Latest(strAddress));
+        std::string const strLatest = Whole(written.strAddress, latest);
+        Print({strLatest, written.strCode, written.strOldCode, IsChanged(strAddress, latest) ? "yes" : "no",
                LatestCode(strLatest)});
     }
 
@@ -58,14 +55,10 @@ class CLatestCommand : public CCommand {
     // The code of the address as it is now; "" when it has none. The names may have become longer than the API's
     // field: the class, which the API asks, has no limit.
     std::string LatestCode(std::string const& strLatest) {
-        if (strLatest.size() <= ADDRESS_LENGTH) {
-            CAddressRecord record(strLatest);
-            PstAdrGetZip(record.Pointer()); // leaves the code empty when there is none
-            return record.Code();
-        }
-        tagADDR addr(0);
-        Dictionary().Class().GetPostCodeFromAddr(strLatest.c_str(), nullptr, addr);
-        return Dictionary().Text(addr.pszPostCode);
+        if (strLatest.size() > qeadrs::ADDRESS_LENGTH)
+            return std::string(Dictionary().Dic().CodeOf(strLatest)[0].strCode);
+        qeadrs::CResult<qeadrs::CCodes> const codes = Dictionary().Api().CodeOf(strLatest);
+        return codes ? codes->strCode : "";
     }
 };
 

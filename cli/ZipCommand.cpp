@@ -4,9 +4,7 @@
 // PstAdrGetComment. The class answers the rest: buildings, floors, readings, and the addresses of an old code.
 #include "cli/ZipCommand.h"
 
-#include "api/Pstexec.h"
 #include "cli/Address.h"
-#include "cli/ApiData.h"
 #include "cli/Command.h"
 #include "cli/Text.h"
 
@@ -18,25 +16,18 @@ namespace qe {
 
 namespace {
 
-constexpr size_t COMMENT_SIZE = 128; // what PstAdrGetComment writes at most; it aborts on a longer name
-constexpr int COMMENT_OFFICE = 3;
+constexpr size_t LONGEST_OFFICE = 127; // PstAdrGetComment aborts on a longer name
 
 // --- addresses -----------------------------------------------------------------------------------------------------
 
 std::vector<CRow> FindAddresses(CDictionary& dictionary, std::string const& strCode) {
-    std::vector<tagADDR> vAddr;
-    dictionary.Class().GetAddrFromPostCode7(strCode.c_str(), vAddr);
-    HGLOBAL hResult = nullptr;
-    int const nResult = GetAdrFromZip(strCode.c_str(), &hResult);
-    return JoinAnswers(dictionary, nResult, hResult, vAddr).vAddress;
+    return JoinAnswers(dictionary.Api().FromCode(strCode), dictionary.Dic().FromCode(strCode)).vAddress;
 }
 
 std::vector<CRow> FindAddressesOfOldCode(CDictionary& dictionary, std::string const& strCode) {
-    std::vector<tagADDR> vAddr;
-    dictionary.Class().GetAddrFromPostCode5(strCode.c_str(), vAddr);
     std::vector<CRow> vAddress;
-    vAddress.reserve(vAddr.size());
-    for (tagADDR const& addr : vAddr) vAddress.push_back(MakeAddress(dictionary, addr));
+    for (qeadrs::CRecord const& record : dictionary.Dic().FromOldCode(strCode))
+        vAddress.push_back(MakeAddress(record));
     return vAddress;
 }
 
@@ -52,22 +43,12 @@ CRow SplitPrefecture(std::string const& strCode, std::string_view strBoth) {
     return {strCode, "", std::string(strBoth)};
 }
 
-std::vector<CRow> FindCities(CZipOptions const& options, std::string const& strCode) {
-    tagCODERECORD record(options.bSort ? SORT_ADDR : SORT_DICTIONARY);
-    char* const pszField = options.bOld ? record.szOldCode : record.szCode;
-    strCode.copy(pszField, strCode.size()); // ReadCode has seen to it that it fits; the NUL is there
-    HGLOBAL hResult = nullptr;
-    if (PstAdrCity(&record, &hResult) != 0) throw CFailure(EXIT_SYSTEM, "not enough memory.");
-    CBlock const block(hResult);
+std::vector<CRow> FindCities(qeadrs::CApi& api, std::string const& strCode, bool bOld) {
+    qeadrs::CNames const names = Demand(bOld ? api.CitiesOfOldCode(strCode) : api.CitiesOfCode(strCode));
     std::vector<CRow> vCity;
     std::set<std::string_view> seen; // the API drops a repeated city only next to itself
-    size_t nOffset = 2;
-    for (unsigned i = 0; i < block.Short(0); ++i) {
-        size_t const nLength = block.Byte(nOffset);
-        std::string_view const strBoth = block.Bytes(nOffset + 1, nLength);
-        nOffset += 1 + nLength;
+    for (std::string_view const strBoth : names)
         if (seen.insert(strBoth).second) vCity.push_back(SplitPrefecture(strCode, strBoth));
-    }
     return vCity;
 }
 
@@ -79,11 +60,9 @@ class CZipCommand : public CCommand {
         : CCommand(common, Columns(options), "postal code"), m_options(options) {}
 
     // The organisation that the last lookup through the API met, beside a table.
-    void RemarkOffice() const {
-        char szOffice[COMMENT_SIZE];
-        int nKind = COMMENT_OFFICE;
-        if (Form() != EForm::Table || m_nLongestOffice >= COMMENT_SIZE) return;
-        if (PstAdrGetComment(szOffice, &nKind) == 0) Remark("organisation: " + Clean(szOffice));
+    void RemarkOffice() {
+        if (Form() != EForm::Table || m_nLongestOffice > LONGEST_OFFICE) return;
+        if (auto const strOffice = Dictionary().Api().LastOffice()) Remark("organisation: " + Clean(*strOffice));
     }
 
   private:
@@ -99,7 +78,7 @@ class CZipCommand : public CCommand {
     void Prepare() override { Dictionary().SetSortType(m_options.bSort ? SORT_ADDR : SORT_DICTIONARY); }
 
     void Answer(std::string const& strCode) override {
-        std::vector<CRow> vRow = m_options.bCities ? FindCities(m_options, strCode)
+        std::vector<CRow> vRow = m_options.bCities ? FindCities(Dictionary().Api(), strCode, m_options.bOld)
                                  : m_options.bOld  ? FindAddressesOfOldCode(Dictionary(), strCode)
                                                    : FindAddresses(Dictionary(), strCode);
         if (vRow.empty()) ReportNotFound(strCode);
