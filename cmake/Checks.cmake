@@ -1,7 +1,7 @@
 # Targets that look at the sources: `format` rewrites them, `format-check` fails on a difference, `tidy` and
 # `cppcheck` analyse them and fail on a finding. What the two are not asked to find is in .clang-tidy and .cppcheck,
 # with the reasons.
-set(QE_FOLDERS dic tree api platform builder text cli bench bench/growth fuzz)
+set(QE_FOLDERS dic tree api platform builder options text cli bench bench/growth fuzz)
 list(TRANSFORM QE_FOLDERS REPLACE "(.+)" "${CMAKE_SOURCE_DIR}/\\1/[A-Za-z]*.[ch]*" OUTPUT_VARIABLE QE_PATTERNS)
 file(GLOB QEADRS_SOURCES CONFIGURE_DEPENDS ${QE_PATTERNS} ${CMAKE_SOURCE_DIR}/examples/*.c*)
 file(GLOB_RECURSE QEADRS_TEST_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/*.cpp ${CMAKE_SOURCE_DIR}/tests/*.h)
@@ -20,7 +20,7 @@ if(CLANG_TIDY AND RUN_CLANG_TIDY)
         -extra-arg=-Wno-unknown-warning-option)
     string(REGEX REPLACE "([][.+*?|(){}^$])" "\\\\\\1" QE_ROOT ${CMAKE_SOURCE_DIR})
     add_custom_target(tidy
-        COMMAND ${QE_TIDY} "^${QE_ROOT}/(dic|tree|api|platform|builder|text|cli|bench|fuzz|examples|tests/support)/"
+        COMMAND ${QE_TIDY} "^${QE_ROOT}/(dic|tree|api|platform|builder|options|text|cli|bench|fuzz|examples|tests/support)/"
         USES_TERMINAL VERBATIM)
     add_custom_target(tidy-library COMMAND ${QE_TIDY} "^${QE_ROOT}/(dic|tree|api|platform)/" USES_TERMINAL VERBATIM)
 endif()

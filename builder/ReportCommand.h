@@ -1,0 +1,21 @@
+// ReportCommand.h - `qeadrs-dic report`: how much of its sources a dictionary gives back.
+#ifndef QEADRS_BUILDER_REPORTCOMMAND_H
+#define QEADRS_BUILDER_REPORTCOMMAND_H
+
+#include <string>
+#include <vector>
+
+namespace qe {
+
+struct CReportOptions {
+    std::string strFile, strTowns, strOffices, strMisses;
+    std::vector<std::string> vPrevious;
+    bool bJson = false;
+};
+
+// Prints the figures, and writes the misses into their file. Throws when a file cannot be read or written.
+void RunReport(CReportOptions const& options);
+
+} // namespace qe
+
+#endif
