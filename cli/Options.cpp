@@ -170,6 +170,7 @@ void AddCommands(CLI::App& app, COptions& options, EExit& nStatus) {
     AddFind(app, options.find, options.common, nStatus);
     AddBrowse(app, options.browse, options.common, nStatus);
     AddRefine(app, options.refine, options.common, nStatus);
+    AddBatch(app, options.batch, nStatus);
 }
 
 } // namespace qe

@@ -4,6 +4,7 @@
 #define QEADRS_CLI_OPTIONS_H
 
 #include "cli/AddrCommand.h"
+#include "cli/BatchCommand.h"
 #include "cli/BrowseCommand.h"
 #include "cli/Failure.h"
 #include "cli/FindCommand.h"
@@ -26,6 +27,7 @@ struct COptions {
     CFindOptions find;
     CBrowseOptions browse;
     CRefineOptions refine;
+    CBatchOptions batch;
 };
 
 // When the program's arguments are parsed, the command among them is run and its status stored.
