@@ -1,0 +1,10 @@
+# cmake -D SOURCE=.. -D OUTPUT=.. -D SCDOC=.. -D DAY=.. [-D PROGRAM=..] -P Page.cmake: one man page.
+file(READ ${SOURCE} page)
+if(PROGRAM)
+    execute_process(COMMAND ${PROGRAM} --generate man OUTPUT_VARIABLE sections COMMAND_ERROR_IS_FATAL ANY)
+    string(REPLACE "%COMMANDS%\n" "${sections}" page "${page}")
+endif()
+file(WRITE ${OUTPUT}.scd.whole "${page}")
+set(ENV{SOURCE_DATE_EPOCH} ${DAY})
+set(ENV{TZ} UTC)
+execute_process(COMMAND ${SCDOC} INPUT_FILE ${OUTPUT}.scd.whole OUTPUT_FILE ${OUTPUT} COMMAND_ERROR_IS_FATAL ANY)
