@@ -1,0 +1,393 @@
+// FormatPageTest.cpp - the worked example of docs/format.md: what the page shows is a file, the file is what the
+// compiler makes of the page's rows, and the library answers from it as the page says.
+#include "builder/Check.h"
+#include "builder/Compiler.h"
+#include "dic/AddrDic.h"
+#include "dic/ImageHeader.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+namespace {
+
+using CBytes = std::vector<unsigned char>;
+using CCells = std::vector<std::string>;
+
+// --- the page -------------------------------------------------------------------------------------------------------
+
+std::vector<std::string> LinesOfExample() {
+    std::ifstream file(QEADRS_FORMAT_PAGE);
+    std::vector<std::string> vLine;
+    bool bExample = false;
+    for (std::string strLine; std::getline(file, strLine);) {
+        if (strLine.rfind("## ", 0) == 0) bExample = strLine == "## A whole dictionary, byte by byte";
+        if (bExample) vLine.push_back(strLine);
+    }
+    return vLine;
+}
+
+std::string Trimmed(std::string const& str) {
+    size_t const nFirst = str.find_first_not_of(" `");
+    return nFirst == std::string::npos ? "" : str.substr(nFirst, str.find_last_not_of(" `") + 1 - nFirst);
+}
+
+// The rows of all tables whose first cell begins so, without their backticks.
+std::vector<CCells> Rows(std::string const& strBegin) {
+    std::vector<CCells> vRow;
+    for (std::string const& strLine : LinesOfExample()) {
+        if (strLine.rfind("| " + strBegin, 0) != 0) continue;
+        std::istringstream in(strLine.substr(1));
+        vRow.emplace_back();
+        for (std::string strCell; std::getline(in, strCell, '|');) vRow.back().push_back(Trimmed(strCell));
+    }
+    return vRow;
+}
+
+// A fenced block by the line that opens it.
+std::string Block(std::string const& strOpening) {
+    std::string strText;
+    bool bBlock = false;
+    for (std::string const& strLine : LinesOfExample()) {
+        if (bBlock && strLine == "```") return strText;
+        if (bBlock) strText += strLine + '\n';
+        if (strLine == strOpening) bBlock = true;
+    }
+    throw std::runtime_error("no such block on the page: " + strOpening);
+}
+
+qe::CSource TableOfPage(std::string const& strName) {
+    qe::CSource source;
+    source.strPath = strName;
+    source.strText = Block("```csv " + strName);
+    return qe::DecodeSource(std::move(source));
+}
+
+CBytes CompiledFromPage() {
+    qe::CStatistics statistics;
+    qe::CCompiler compiler(statistics);
+    compiler.AddTowns(qe::ReadTownTable(TableOfPage("towns.csv")).vRow, "towns.csv");
+    compiler.AddOffices(qe::ReadOfficeTable(TableOfPage("organisations.csv")), "organisations.csv");
+    compiler.AddPrevious(qe::ReadTownTable(TableOfPage("earlier-towns.csv")).vRow, "earlier-towns.csv");
+    return compiler.Compile(20260500, qe::ESource::Official).vByte;
+}
+
+// The bytes of all rows, one behind the other. Each row stands at the offset that it names.
+CBytes BytesOfPage() {
+    CBytes vByte;
+    for (CCells const& row : Rows("0x")) {
+        EXPECT_EQ(std::stoul(row[0], nullptr, 16), vByte.size()) << row[0] << " is out of place";
+        std::string strDigits;
+        for (char c : row[1])
+            if (c != ' ') strDigits += c;
+        EXPECT_EQ(strDigits.size() % 2, 0u) << row[0];
+        for (size_t n = 0; n + 1 < strDigits.size(); n += 2)
+            vByte.push_back(static_cast<unsigned char>(std::stoul(strDigits.substr(n, 2), nullptr, 16)));
+    }
+    return vByte;
+}
+
+// --- what each byte means, read from the bytes alone ------------------------------------------------------------------
+
+std::string Hex(uint32_t n, int nDigits) {
+    char sz[16];
+    std::snprintf(sz, sizeof sz, "%0*X", nDigits, n);
+    return sz;
+}
+std::string At(uint32_t n) {
+    return "0x" + Hex(n, 3);
+} // an offset
+std::string Dec(uint32_t n) {
+    return std::to_string(n);
+}
+
+constexpr std::array<char const*, HDR_WORDS> WORD_NAMES = {"the mark `QEADRS`, 0x1A, NUL",
+                                                           nullptr,
+                                                           "format version",
+                                                           "edition",
+                                                           "checksum",
+                                                           "size of the file",
+                                                           "compiled from: official tables",
+                                                           "0",
+                                                           "nodes",
+                                                           "entries",
+                                                           "bytes in the string area",
+                                                           "node table at",
+                                                           "info table at",
+                                                           "string area at",
+                                                           "city-name index at",
+                                                           "first empty table at",
+                                                           "second empty table at",
+                                                           "organisation index at",
+                                                           "prefectures",
+                                                           "first prefecture: node",
+                                                           "cities",
+                                                           "first city: node",
+                                                           "towns",
+                                                           "first town: node",
+                                                           "0",
+                                                           "0",
+                                                           "entries of the organisation index"};
+constexpr std::array<char const*, 8> LEVEL_NAMES = {"prefecture", "city",     "town",  "subdivision",
+                                                    "building",   "grouping", "floor", "organisation"};
+
+// The page's rows as they have to be for these bytes.
+class CDescription {
+  public:
+    explicit CDescription(CBytes const& vByte) : m_vByte(vByte) {
+        Header();
+        Table(HDR_NODE_TABLE, HDR_NODE_COUNT, sizeof(tagADDRNODE), &CDescription::Node);
+        Table(HDR_INFO_TABLE, HDR_INFO_COUNT, sizeof(tagADDRINFO), &CDescription::Entry);
+        Table(HDR_CITY_INDEX, HDR_CITY_COUNT, sizeof(uint32_t), &CDescription::IndexEntry);
+        Table(HDR_OFFICE_INDEX, HDR_OFFICE_COUNT, sizeof(uint32_t), &CDescription::IndexEntry);
+        Pad(Head(HDR_STRING_AREA));
+        for (auto const& [nOffset, nSuperseded] : m_mapCode) Codes(nOffset, nSuperseded);
+        for (auto const& [nOffset, bReading] : m_mapName) Name(nOffset, bReading);
+        Pad(Head(HDR_FIFTH_TABLE));
+    }
+
+    std::vector<std::string> Lines() const { return m_vLine; }
+
+    uint32_t Long(size_t nAt) const {
+        if (nAt + 4 > m_vByte.size()) throw std::out_of_range("the page's offsets lead out of its file");
+        return ReadWord(m_vByte.data() + nAt);
+    }
+    uint32_t Head(tagHEADERWORD nWord) const { return Long(size_t{4} * nWord); }
+    std::string Text(uint32_t nOffset) const {
+        std::string str;
+        for (size_t n = Head(HDR_STRING_AREA) + nOffset; m_vByte.at(n) != 0; ++n)
+            str += static_cast<char>(m_vByte[n]);
+        return str;
+    }
+
+    // "entry 2, nodes 9, 7, 4, 2, 0": the way up from an entry.
+    std::string Way(uint32_t nEntry) const {
+        std::string str = "entry " + Dec(nEntry) + ", nodes";
+        uint32_t nNode = Long(Head(HDR_INFO_TABLE) + 8 * nEntry + 4) & ~ADDRINFO_SUPERSEDED;
+        for (char const* psz = " "; nNode != ADDR_NONE; psz = ", ") {
+            str += psz + std::to_string(nNode);
+            nNode = Long(Head(HDR_NODE_TABLE) + 24 * nNode + 12);
+        }
+        return str;
+    }
+
+  private:
+    std::string Digits(size_t nFrom, size_t nSize) const {
+        std::string strDigits;
+        for (size_t n = nFrom; n < nFrom + nSize; ++n) strDigits += Hex(m_vByte.at(n), 2);
+        return strDigits;
+    }
+    void Row(size_t nSize, std::string const& strMeaning) { RowOf(Digits(m_nAt, nSize), nSize, strMeaning); }
+    void RowOf(std::string const& strBytes, size_t nSize, std::string const& strMeaning) {
+        m_vLine.push_back("| " + At(static_cast<uint32_t>(m_nAt)) + " | `" + strBytes + "` | " + strMeaning + " |");
+        m_nAt += nSize;
+    }
+
+    void Header() {
+        Row(8, WORD_NAMES[0]);
+        for (uint32_t n = 2; n < HDR_WORDS; ++n) {
+            std::string str = "word " + Dec(n) + ": " + WORD_NAMES[n];
+            uint32_t const nValue = Long(4 * n);
+            if (n == HDR_CHECKSUM)
+                str += " 0x" + Hex(nValue, 8);
+            else if (str.substr(str.size() - 3) == " at")
+                str += " " + At(nValue);
+            else if (n != HDR_SOURCE && str.back() != '0')
+                str += " " + Dec(nValue);
+            Row(4, str);
+        }
+    }
+
+    void Pad(uint32_t nTo) {
+        if (m_nAt < nTo) Row(nTo - m_nAt, "up to a multiple of 16");
+    }
+
+    void Table(tagHEADERWORD nTable, tagHEADERWORD nCount, size_t nSize, void (CDescription::*pRecord)(uint32_t)) {
+        Pad(Head(nTable));
+        for (uint32_t n = 0; n < Head(nCount); ++n) {
+            (this->*pRecord)(n);
+            ASSERT_EQ(m_nAt, Head(nTable) + (n + 1) * nSize);
+        }
+    }
+
+    std::string NameOf(uint32_t nNode) const {
+        std::string const strName = Text(Long(Head(HDR_NODE_TABLE) + 24 * nNode + 4));
+        return strName.empty() ? "without a name" : strName;
+    }
+
+    void Node(uint32_t n) {
+        uint32_t const nName = Long(m_nAt + 4), nInfo = Long(m_nAt + 8), nParent = Long(m_nAt + 12);
+        uint32_t const nChildren = Long(m_nAt + 16);
+        m_mapName[nName] = nName + static_cast<uint32_t>(Text(nName).size()) + 1;
+        std::string str = "node " + Dec(n) + ": " + LEVEL_NAMES.at(m_vByte.at(m_nAt)) + ' ' + NameOf(n);
+        str += " (" + At(nName) + "); " + (nInfo == ADDR_NONE ? "no entry" : "entry " + Dec(nInfo));
+        str += nParent == ADDR_NONE ? "; no parent" : "; parent " + Dec(nParent);
+        str += nChildren == 0 ? "; no child" : "; " + Dec(nChildren) + (nChildren == 1 ? " child" : " children");
+        if (nChildren != 0) str += " from " + Dec(Long(m_nAt + 20)) + " on";
+        std::string strBytes = Digits(m_nAt, 1) + ' ' + Digits(m_nAt + 1, 3);
+        for (size_t nField = 4; nField < 24; nField += 4) strBytes += ' ' + Digits(m_nAt + nField, 4);
+        RowOf(strBytes, 24, str);
+    }
+
+    void Entry(uint32_t n) {
+        uint32_t const nCode = Long(m_nAt), nNode = Long(m_nAt + 4);
+        bool const bSuperseded = (nNode & ADDRINFO_SUPERSEDED) != 0;
+        m_mapCode[nCode] = bSuperseded;
+        std::string str = "entry " + Dec(n) + ": code " + Text(nCode) + " (" + At(nCode) + ")";
+        str += "; node " + Dec(nNode & ~ADDRINFO_SUPERSEDED) + (bSuperseded ? "; superseded" : "");
+        RowOf(Digits(m_nAt, 4) + ' ' + Digits(m_nAt + 4, 4), 8, str);
+    }
+
+    void IndexEntry(uint32_t) { Row(4, "node " + Dec(Long(m_nAt)) + ": " + NameOf(Long(m_nAt))); }
+
+    // The bytes of a text: the characters that are not ASCII apart, and the NUL.
+    static std::string TextBytes(std::string const& strText) {
+        std::string strBytes;
+        for (char const cPlain : strText) {
+            auto const c = static_cast<unsigned char>(cPlain);
+            if (c >= 0xC0 && !strBytes.empty()) strBytes += ' ';
+            strBytes += Hex(c, 2);
+        }
+        return strBytes + (strText.empty() ? "00" : " 00");
+    }
+
+    uint32_t AreaOffset() const { return static_cast<uint32_t>(m_nAt) - Head(HDR_STRING_AREA); }
+
+    void Codes(uint32_t nOffset, bool bSuperseded) {
+        ASSERT_EQ(nOffset, AreaOffset()) << "texts stand side by side";
+        std::string const strCode = Text(nOffset);
+        std::string const strOld = Text(nOffset + static_cast<uint32_t>(strCode.size()) + 1);
+        std::string strBytes = TextBytes(strCode) + ' ' + TextBytes(strOld);
+        size_t const nSize = strCode.size() + strOld.size() + 2;
+        std::string strMeaning = At(nOffset) + ": " + strCode + ", old code " + strOld;
+        if (!bSuperseded) return RowOf(strBytes, nSize, strMeaning);
+        strBytes += ' ' + Digits(m_nAt + nSize, 4);
+        RowOf(strBytes, nSize + 4, strMeaning + "; replaced by entry " + Dec(Long(m_nAt + nSize)));
+    }
+
+    void Name(uint32_t nOffset, uint32_t nReading) {
+        ASSERT_EQ(nOffset, AreaOffset()) << "texts stand side by side";
+        std::string const strName = Text(nOffset), strReading = Text(nReading);
+        RowOf(TextBytes(strName), strName.size() + 1,
+              At(nOffset) + ": " + (strName.empty() ? "an empty name" : strName));
+        RowOf(TextBytes(strReading), strReading.size() + 1, strReading.empty() ? "no reading" : strReading);
+    }
+
+    CBytes const& m_vByte;
+    size_t m_nAt = 0;
+    std::vector<std::string> m_vLine;
+    std::map<uint32_t, bool> m_mapCode;     // by offset in the string area: of a superseded entry
+    std::map<uint32_t, uint32_t> m_mapName; // by offset: where the reading is
+};
+
+// --- the questions ------------------------------------------------------------------------------------------------------
+
+std::string Joined(std::initializer_list<char const*> vszPart) {
+    std::string str;
+    for (char const* psz : vszPart)
+        if (psz != nullptr && *psz != '\0') str += (str.empty() ? "" : " ") + std::string(psz);
+    return str;
+}
+
+std::string Address(tagADDR const& a) {
+    return Joined({a.pszPostCode, a.pszPref, a.pszCity, a.pszTown, a.pszArea, a.pszBlock, a.pszNote, a.pszOffice});
+}
+
+std::string Ask(CBytes const& vByte, std::string const& strCall, std::string const& strQuestion) {
+    CAddrDic dic;
+    dic.SetDictionary(vByte.data());
+    std::string strAnswer;
+    std::vector<tagADDR> vAddr;
+    tagADDR addr(0);
+    if (strCall == "GetAddrFromPostCode7")
+        dic.GetAddrFromPostCode7(strQuestion.c_str(), vAddr);
+    else if (strCall == "GetAddrFromPostCode5")
+        dic.GetAddrFromPostCode5(strQuestion.c_str(), vAddr);
+    else if (strCall == "GetAddrFromAddrPart")
+        dic.GetAddrFromAddrPart(strQuestion.c_str(), vAddr);
+    else if (strCall == "GetLatestAddr") {
+        if (dic.GetLatestAddr(strQuestion.c_str(), addr) == 1)
+            return Joined({addr.pszPref, addr.pszCity, addr.pszTown});
+    } else if (strCall == "GetPostCodeFromAddr") {
+        size_t const nPlus = strQuestion.find(" + ");
+        std::string strName = nPlus == std::string::npos ? "" : strQuestion.substr(nPlus + 3);
+        dic.GetPostCodeFromAddr(strQuestion.substr(0, nPlus).c_str(), strName.data(), addr);
+        return Joined({addr.pszPostCode});
+    } else if (strCall == "SearchCity") {
+        return "position " + std::to_string(dic.SearchCity(strQuestion.c_str()));
+    } else if (strCall == "SearchInc") {
+        std::string strName = strQuestion;
+        return "position " + std::to_string(dic.SearchInc(strName.data()));
+    } else {
+        ADD_FAILURE() << "the page asks with " << strCall;
+    }
+    for (tagADDR const& a : vAddr) strAnswer += (strAnswer.empty() ? "" : "; ") + Address(a);
+    return strAnswer.empty() ? "nothing" : strAnswer;
+}
+
+// --- the promises -------------------------------------------------------------------------------------------------------
+
+TEST(FormatPage, ShowsEveryByteOfTheFileThatTheCompilerMakesOfItsRows) {
+    CBytes const vPage = BytesOfPage(), vFile = CompiledFromPage();
+    EXPECT_EQ(vPage.size(), vFile.size());
+    for (size_t n = 0; n < vPage.size() && n < vFile.size(); ++n)
+        ASSERT_EQ(vPage[n], vFile[n]) << At(static_cast<uint32_t>(n));
+}
+
+TEST(FormatPage, SaysOfEveryByteWhatItMeans) {
+    CBytes const vFile = CompiledFromPage();
+    std::vector<std::string> vShown;
+    for (std::string const& strLine : LinesOfExample())
+        if (strLine.rfind("| 0x", 0) == 0) vShown.push_back(strLine);
+    std::vector<std::string> const vTrue = CDescription(vFile).Lines();
+    std::string strTrue;
+    for (std::string const& strLine : vTrue) strTrue += strLine + '\n';
+    EXPECT_THAT(vShown, ElementsAreArray(vTrue)) << "the page should say:\n" << strTrue;
+}
+
+TEST(FormatPage, ShowsASoundDictionary) {
+    qe::CCheckReport const report = qe::CheckDictionary(BytesOfPage());
+    EXPECT_TRUE(report.IsSound());
+    std::vector<std::string> vWhat;
+    for (qe::CViolation const& v : report.Violations()) vWhat.push_back(v.strWhere + " " + v.strWhat);
+    EXPECT_THAT(vWhat, IsEmpty());
+}
+
+TEST(FormatPage, AnswersItsQuestionsFromItsBytes) {
+    CBytes const vByte = BytesOfPage();
+    ASSERT_TRUE(qe::CheckDictionary(vByte).IsSound()); // of any other file nothing is asked
+    std::vector<CCells> const vRow = Rows("`");
+    EXPECT_EQ(vRow.size(), 12u);
+    for (CCells const& row : vRow) {
+        ASSERT_EQ(row.size(), 3u);
+        EXPECT_EQ(Ask(vByte, row[0], row[1]), row[2]) << row[0] << ' ' << row[1];
+    }
+}
+
+TEST(FormatPage, FollowsEachEntryUpTheTree) {
+    CBytes const vByte = BytesOfPage();
+    ASSERT_TRUE(qe::CheckDictionary(vByte).IsSound()); // of any other file nothing is asked
+    CDescription const description(vByte);
+    CAddrDic dic;
+    dic.SetDictionary(vByte.data());
+    std::vector<CCells> const vRow = Rows("entry ");
+    ASSERT_EQ(vRow.size(), description.Head(HDR_INFO_COUNT));
+    for (uint32_t n = 0; n < vRow.size(); ++n) {
+        tagADDR addr(0);
+        dic.GetAddr(dic.GetAddrInfo(n), &addr);
+        EXPECT_THAT(vRow[n], ElementsAre(description.Way(n), Address(addr)));
+    }
+}
+
+} // namespace
