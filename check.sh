@@ -1,6 +1,6 @@
 #!/bin/sh
-# check.sh - installs, builds and tests everything: release, i386 and the sanitizers, formatting, cppcheck, and the whole
-# national data when they are there (QEADRS_SOURCE, else ../shared/japanpost).
+# check.sh - installs, builds and tests everything: release, i386 and the sanitizers, formatting, cppcheck, the documents,
+# the packages, and the whole national data when they are there (QEADRS_SOURCE, else ../shared/japanpost).
 set -eu
 cd "$(dirname "$0")"
 . scripts/packages.sh
@@ -48,10 +48,18 @@ for preset in $PRESETS; do
     esac
     cmake --build --preset "$preset" -j "$JOBS"
     if [ "$preset" = release ]; then
-        say "formatting, and what cppcheck finds"
-        cmake --build --preset release --target format-check cppcheck
+        say "formatting, what cppcheck finds, and the API reference"
+        cmake --build --preset release --target format-check cppcheck docs
     fi
     say "$preset: testing"
     ctest --preset "$preset" -j "$JOBS"
 done
-say "all checks passed: $PRESETS${TEST_DATA:+, with the whole national data in release and i386}"
+case " $PRESETS " in
+*" release "*" i386 "*)
+    say "packages of both word sizes: lintian, unpacking, hosts compiled against them"
+    tests/packages-test.sh build/release build/i386 .
+    PACKAGED=", the packages"
+    ;;
+*) say "packages: NOT tested, they need the presets release and i386" ;;
+esac
+say "all checks passed: $PRESETS${PACKAGED:-}${TEST_DATA:+, with the whole national data in release and i386}"

@@ -40,7 +40,7 @@ compile_tables() {
     set -- --towns "$towns"
     [ -z "$offices" ] || set -- "$@" --offices "$offices"
     LACKS="addresses that have changed (no earlier edition, ken_all-YYYY-MM.zip, beside the town table)"
-    for file in "$tables"/history/ken_all-*.zip "$tables"/ken_all-*.zip; do
+    for file in "$tables"/history/ken_all-*.zip "$tables"/ken_all-*.zip "$HOME_DIR"/history/ken_all-*.zip; do
         [ -f "$file" ] || continue
         set -- "$@" --previous "$file"
         LACKS="nothing"
@@ -134,6 +134,7 @@ Try next (QE_PROFILE=$QE_PROFILE):
     $BIN/qeadrs find 東京都千代田区        all addresses that a text can stand for
     $BIN/qeadrs browse                     prefectures, cities and towns to pick from
     $BIN/qeadrs refine --code 100-00       candidates for a partly typed code
+    $BIN/qeadrs batch --help               a whole table, line by line
     $BIN/qeadrs zip --json 9808485         for programs
     $BIN/qeadrs-dic info $DICTIONARY
     ./check.sh                             all tests

@@ -5,10 +5,10 @@
 PACKAGES_BUILD="ca-certificates cmake g++ libcli11-dev libcurl4-openssl-dev libinih-dev libncurses-dev libutf8proc-dev
     libzip-dev make ninja-build nlohmann-json3-dev pkg-config"
 # What the tests need besides.
-PACKAGES_CHECK="binutils clang-format-14 cppcheck git g++-multilib libbenchmark-dev libgmock-dev libgtest-dev libsqlite3-dev libutf8proc-dev
-    skkdic-extra unzip"
-# Of the foreign architecture, for the 32-bit platform layer.
-PACKAGES_I386="libgmock-dev:i386 libgtest-dev:i386 libinih-dev:i386 libutf8proc-dev:i386"
+PACKAGES_CHECK="abigail-tools binutils clang-format-14 cppcheck doxygen dpkg-dev file fish g++-multilib git groff-base
+    libbenchmark-dev libgmock-dev libgtest-dev libsqlite3-dev libutf8proc-dev lintian man-db scdoc skkdic-extra unzip zsh"
+# Of the foreign architecture: for the 32-bit platform layer, its tests and its packages.
+PACKAGES_I386="libgmock-dev:i386 libgtest-dev:i386 libinih-dev:i386 libstdc++6:i386 libutf8proc-dev:i386"
 
 say() { printf '\n==> %s\n' "$*"; }
 fail() { printf '\nERROR: %s\n' "$*" >&2; exit 1; }
