@@ -20,6 +20,8 @@
 //           ...), those of the class as long as the mapping of the file (CDictionary, or the CDictionaryFile it
 //           borrows) and the CRecords that they came in. Copy what you keep. Elements of a range are made on the way:
 //           take them by value.
+// Moved     What has been moved from may be assigned and destroyed, nothing else; files, blocks and answers are empty
+//           then, and say so.
 // Safety    Blocks and records are read within their bounds whatever is in them: one that ends too early is an error
 //           (EError::DamagedBlock), a text outside is "".
 // Threads   CApi: one thread at a time, for the whole process. CDictionary: one thread each; any number of them may
@@ -29,6 +31,7 @@
 
 #include "api/Pstexec.h"
 #include "dic/AddrDic.h"
+#include "dic/ImageHeader.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -142,38 +145,28 @@ class CResult {
 
 namespace detail {
 
-// What is looked at in a file's header, by byte offsets; all numbers are 32-bit little-endian words.
-inline constexpr char MAGIC[] = "QEADRS\x1A"; // 7 characters and the NUL
-inline constexpr size_t HEADER_SIZE = 108;
-inline constexpr size_t VERSION_AT = 8;
-inline constexpr size_t EDITION_AT = 12;
-inline constexpr size_t FILE_SIZE_AT = 20;
-inline constexpr uint32_t KNOWN_VERSION = 1;
-
-struct CTablePlace {
-    size_t nOffsetAt, nCountAt, nRecord;
-};
-inline constexpr CTablePlace STRING_AREA = {0x34, 0x28, 1};
-inline constexpr CTablePlace TABLES[] = {
-    {0x2C, 0x20, sizeof(tagADDRNODE)}, // nodes
-    {0x30, 0x24, sizeof(tagADDRINFO)}, // entries
-    STRING_AREA,                       //
-    {0x38, 0x50, 4},                   // city-name index
-    {0x44, 0x68, 4},                   // organisation index
-};
-static_assert(sizeof MAGIC == 8 && sizeof(tagADDRNODE) == 24 && sizeof(tagADDRINFO) == 8);
-
-inline uint32_t HeaderWord(unsigned char const* pImage, size_t nAt) {
-    uint32_t n;
-    std::memcpy(&n, pImage + nAt, sizeof n);
-    return n;
+inline bool HoldsNul(std::string_view strText) {
+    return strText.find('\0') != std::string_view::npos;
 }
 
+// The tables that are read; the header names them by their words.
+struct CTablePlace {
+    tagHEADERWORD nOffset, nCount;
+    size_t nRecord;
+};
+inline constexpr CTablePlace TABLES[] = {
+    {HDR_NODE_TABLE, HDR_NODE_COUNT, sizeof(tagADDRNODE)},
+    {HDR_INFO_TABLE, HDR_INFO_COUNT, sizeof(tagADDRINFO)},
+    {HDR_STRING_AREA, HDR_STRING_SIZE, 1},
+    {HDR_CITY_INDEX, HDR_CITY_COUNT, sizeof(uint32_t)},
+    {HDR_OFFICE_INDEX, HDR_OFFICE_COUNT, sizeof(uint32_t)},
+};
+
 inline bool LiesInFile(CTablePlace const& table, unsigned char const* pImage, uint64_t nSize) {
-    uint64_t const nOffset = HeaderWord(pImage, table.nOffsetAt);
+    uint64_t const nOffset = HeaderWord(pImage, table.nOffset);
     bool const bAligned = table.nRecord == 1 || nOffset % 4 == 0;
     return bAligned && nOffset <= nSize &&
-           HeaderWord(pImage, table.nCountAt) * uint64_t{table.nRecord} <= nSize - nOffset;
+           HeaderWord(pImage, table.nCount) * uint64_t{table.nRecord} <= nSize - nOffset;
 }
 
 // What is wrong with the header; nothing when the image can be bound.
@@ -181,22 +174,23 @@ inline std::optional<CError> CheckHeader(unsigned char const* pImage, size_t nSi
     auto const Damaged = [](std::string strMore) {
         return CError{EError::DamagedFile, 0, "is damaged" + std::move(strMore)};
     };
-    if (nSize < sizeof MAGIC || std::memcmp(pImage, MAGIC, sizeof MAGIC) != 0) return CError{EError::NotOurs};
-    if (nSize < HEADER_SIZE) return Damaged(" or cut off: " + std::to_string(nSize) + " bytes");
-    uint32_t const nVersion = HeaderWord(pImage, VERSION_AT);
-    if (nVersion > KNOWN_VERSION)
+    if (nSize < sizeof IMAGE_MAGIC || std::memcmp(pImage, IMAGE_MAGIC, sizeof IMAGE_MAGIC) != 0)
+        return CError{EError::NotOurs};
+    if (nSize < HDR_BYTES) return Damaged(" or cut off: " + std::to_string(nSize) + " bytes");
+    uint32_t const nVersion = HeaderWord(pImage, HDR_VERSION);
+    if (nVersion > IMAGE_VERSION)
         return CError{EError::NewerFormat, 0,
                       "has format " + std::to_string(nVersion) + ", newer than this program's " +
-                          std::to_string(KNOWN_VERSION)};
-    uint32_t const nFileSize = HeaderWord(pImage, FILE_SIZE_AT);
+                          std::to_string(IMAGE_VERSION)};
+    uint32_t const nFileSize = HeaderWord(pImage, HDR_FILE_SIZE);
     if (nFileSize != nSize)
         return Damaged(" or cut off: " + std::to_string(nSize) + " bytes instead of " + std::to_string(nFileSize));
     for (CTablePlace const& table : TABLES)
         if (!LiesInFile(table, pImage, nSize))
-            return Damaged(": the table that offset " + std::to_string(table.nOffsetAt) +
+            return Damaged(": the table that offset " + std::to_string(4 * table.nOffset) +
                            " names does not lie in the file");
-    size_t const nStrings = HeaderWord(pImage, STRING_AREA.nCountAt);
-    if (nStrings > 0 && pImage[HeaderWord(pImage, STRING_AREA.nOffsetAt) + nStrings - 1] != '\0')
+    size_t const nStrings = HeaderWord(pImage, HDR_STRING_SIZE);
+    if (nStrings > 0 && pImage[HeaderWord(pImage, HDR_STRING_AREA) + nStrings - 1] != '\0')
         return Damaged(": its last text has no end");
     return std::nullopt;
 }
@@ -225,7 +219,7 @@ class CFileHandle {
 class CDictionaryFile {
   public:
     static CResult<CDictionaryFile> Open(std::string const& strFile) {
-        if (strFile.find('\0') != std::string::npos) return EError::NoText;
+        if (detail::HoldsNul(strFile)) return EError::NoText;
         detail::CFileHandle const file(strFile);
         if (file.Handle() < 0) return {EError::NoFile, errno};
         struct stat status;
@@ -239,7 +233,7 @@ class CDictionaryFile {
             return CError{errno == ENOMEM ? EError::NoMemory : EError::System, errno, "cannot be mapped"};
         CDictionaryFile mapped(static_cast<unsigned char const*>(p), nSize, status.st_dev, status.st_ino);
         if (std::optional<CError> error = detail::CheckHeader(mapped.m_pStart, nSize)) return std::move(*error);
-        return mapped;
+        return CResult<CDictionaryFile>(std::move(mapped));
     }
 
     ~CDictionaryFile() {
@@ -251,10 +245,11 @@ class CDictionaryFile {
           m_nDevice(other.m_nDevice),
           m_nInode(other.m_nInode) {}
     CDictionaryFile& operator=(CDictionaryFile&& other) noexcept {
-        std::swap(m_pStart, other.m_pStart);
-        std::swap(m_nSize, other.m_nSize);
-        std::swap(m_nDevice, other.m_nDevice);
-        std::swap(m_nInode, other.m_nInode);
+        CDictionaryFile taken(std::move(other)); // unmaps what was here
+        std::swap(m_pStart, taken.m_pStart);
+        std::swap(m_nSize, taken.m_nSize);
+        std::swap(m_nDevice, taken.m_nDevice);
+        std::swap(m_nInode, taken.m_nInode);
         return *this;
     }
 
@@ -263,12 +258,13 @@ class CDictionaryFile {
     size_t Size() const { return m_nSize; }
 
     // Decimal yyyymmdd; dd is 00 when only the month is known; 0: unknown.
-    uint32_t Edition() const { return m_pStart == nullptr ? 0 : detail::HeaderWord(m_pStart, detail::EDITION_AT); }
+    uint32_t Edition() const { return m_pStart == nullptr ? 0 : HeaderWord(m_pStart, HDR_EDITION); }
 
     // Whether strFile still names the very file that is mapped. False tells that an update has put a new one there.
     bool Is(std::string const& strFile) const {
         struct stat status;
-        return stat(strFile.c_str(), &status) == 0 && status.st_dev == m_nDevice && status.st_ino == m_nInode;
+        return m_pStart != nullptr && stat(strFile.c_str(), &status) == 0 && status.st_dev == m_nDevice &&
+               status.st_ino == m_nInode;
     }
 
     // Whether a text lies in the mapping; and the text itself, up to its NUL or the end of the file, "" when it is null
@@ -511,8 +507,10 @@ class CDictionary {
     CRecords CodeOf(std::string_view strAddress, std::string_view strOffice = {}) {
         std::string strName(strOffice); // shortened in place
         return AskOne(strAddress, [&](char* psz, tagADDR& addr) {
-            return strName.find('\0') == std::string::npos &&
-                   m_pDic->GetPostCodeFromAddr(psz, strName.data(), addr) != 0 && addr.pszPostCode != nullptr;
+            if (detail::HoldsNul(strName)) return false;
+            // Told by the code: 0 means that the organisation lacks an entry, and the address has kept its own.
+            m_pDic->GetPostCodeFromAddr(psz, strName.data(), addr);
+            return addr.pszPostCode != nullptr;
         });
     }
 
@@ -537,8 +535,10 @@ class CDictionary {
     // --- refinement: what a part of a code or, without a code, of an address can mean
 
     // Makes the tree of candidates. Select then selects a place in it by positions and tells how long the lists are;
-    // nothing for a place that is not there. A search that finds nothing leaves the lists of the whole dictionary.
+    // nothing for a place that is not there. A search that finds nothing, as that for a text with a NUL, leaves the
+    // lists of the whole dictionary.
     void Refine(std::string_view strCode, std::string_view strAddress = {}) {
+        if (detail::HoldsNul(strCode) || detail::HoldsNul(strAddress)) strCode = strAddress = {};
         std::string strDigits(strCode); // shortened in place
         m_pDic->MakeRefineTree(strDigits.data(), std::string(strAddress).c_str());
     }
@@ -649,8 +649,9 @@ class CBlock {
     CBlock(CBlock&& other) noexcept
         : m_hMem(std::exchange(other.m_hMem, nullptr)), m_bytes(std::exchange(other.m_bytes, CBytes())) {}
     CBlock& operator=(CBlock&& other) noexcept {
-        std::swap(m_hMem, other.m_hMem);
-        std::swap(m_bytes, other.m_bytes);
+        CBlock taken(std::move(other)); // frees what was here
+        std::swap(m_hMem, taken.m_hMem);
+        std::swap(m_bytes, taken.m_bytes);
         return *this;
     }
 
@@ -862,7 +863,7 @@ class CPacked {
     size_t m_nCount = 0;
 };
 
-// A block and the range of its entries. It may be moved; texts and iterators stay good.
+// A block and the range of its entries. It may be moved, and is empty then; texts and iterators stay good.
 template <typename TRange>
 class CAnswer : public TRange {
   public:
@@ -873,10 +874,20 @@ class CAnswer : public TRange {
         return CAnswer(*std::move(block), *range);
     }
 
+    // The range goes with its block.
+    CAnswer(CAnswer&& other) noexcept : TRange(other.TakeRange()), m_block(std::move(other.m_block)) {}
+    CAnswer& operator=(CAnswer&& other) noexcept {
+        static_cast<TRange&>(*this) = other.TakeRange();
+        m_block = std::move(other.m_block);
+        return *this;
+    }
+
     CBytes const& Bytes() const { return m_block.Bytes(); }
 
   private:
     CAnswer(CBlock block, TRange const& range) : TRange(range), m_block(std::move(block)) {}
+
+    TRange TakeRange() noexcept { return std::exchange(static_cast<TRange&>(*this), TRange()); }
 
     CBlock m_block;
 };
@@ -988,8 +999,9 @@ class CApi {
     }
     CApi(CApi&& other) noexcept : m_bOpen(std::exchange(other.m_bOpen, false)), m_nSortType(other.m_nSortType) {}
     CApi& operator=(CApi&& other) noexcept {
-        std::swap(m_bOpen, other.m_bOpen);
-        std::swap(m_nSortType, other.m_nSortType);
+        CApi taken(std::move(other)); // closes what was open here
+        std::swap(m_bOpen, taken.m_bOpen);
+        std::swap(m_nSortType, taken.m_nSortType);
         return *this;
     }
 
@@ -1016,7 +1028,7 @@ class CApi {
     // here and below; CDictionary takes any.
     CResult<CCodes> CodeOf(std::string_view strAddress, std::string_view strOffice = {}) {
         if (std::optional<EError> error = LookAt(strAddress)) return *error;
-        if (HoldsNul(strOffice)) return EError::NoText;
+        if (detail::HoldsNul(strOffice)) return EError::NoText;
         CAddressRecord record(m_nSortType, strAddress, strOffice);
         if (PstAdrGetZip(record.Pointer()) != 0) return EError::NotFound;
         return CCodes{record.Code(), record.OldCode(), record.Office()};
@@ -1044,7 +1056,7 @@ class CApi {
     // The blocks themselves.
     using PFNBROWSE = uint32_t (*)(unsigned short, HGLOBAL*);
     CResult<CBlock> PrefectureBlock(std::string_view strText = {}) {
-        if (HoldsNul(strText)) return EError::NoText;
+        if (detail::HoldsNul(strText)) return EError::NoText;
         CAddressRecord record(m_nSortType, strText);
         HGLOBAL hResult = nullptr;
         uint32_t const nStatus = PstAdrRPrf(record.Pointer(), &hResult);
@@ -1076,9 +1088,8 @@ class CApi {
 
     CApi() { s_bOpen = true; }
 
-    static bool HoldsNul(std::string_view strText) { return strText.find('\0') != std::string_view::npos; }
     static std::optional<EError> LookAt(std::string_view strAddress) {
-        if (HoldsNul(strAddress)) return EError::NoText;
+        if (detail::HoldsNul(strAddress)) return EError::NoText;
         if (strAddress.size() > ADDRESS_LENGTH) return EError::TextTooLong;
         return std::nullopt;
     }
@@ -1091,7 +1102,7 @@ class CApi {
     }
 
     static CResult<CAddresses> FromText(int (*pfn)(char const*, HGLOBAL*), std::string_view strText) {
-        if (HoldsNul(strText)) return EError::NoText;
+        if (detail::HoldsNul(strText)) return EError::NoText;
         HGLOBAL hResult = nullptr;
         bool const bDone = pfn(std::string(strText).c_str(), &hResult) == 0;
         // The API does not tell a lack of memory from "not found" before there is a block.
@@ -1101,7 +1112,7 @@ class CApi {
 
     template <size_t N>
     CResult<CNames> CitiesOf(char (tagCODERECORD::*pField)[N], std::string_view strCode) {
-        if (strCode.empty() || HoldsNul(strCode)) return EError::NoText;
+        if (strCode.empty() || detail::HoldsNul(strCode)) return EError::NoText;
         if (strCode.size() >= N) return EError::TextTooLong;
         tagCODERECORD record = {m_nSortType, {}, {}};
         strCode.copy(record.*pField, N - 1);

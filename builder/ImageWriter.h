@@ -16,6 +16,7 @@
 #define QEADRS_BUILDER_IMAGEWRITER_H
 
 #include "dic/AddrNode.h"
+#include "dic/ImageHeader.h"
 
 #include <cstdint>
 #include <string>
@@ -26,9 +27,8 @@
 namespace qe {
 
 // What marks a file as a dictionary (header words 0 and 1), and the format that is written (word 2).
-constexpr char IMAGE_MAGIC[] = "QEADRS\x1A"; // 7 characters and the NUL
-static_assert(sizeof IMAGE_MAGIC == 8);
-constexpr uint32_t IMAGE_VERSION = 1;
+using ::IMAGE_MAGIC;
+using ::IMAGE_VERSION;
 
 // What a dictionary was compiled from (header word 6).
 enum class ESource : uint32_t { Unknown = 0, Official = 1, Skk = 2, Sample = 3 };

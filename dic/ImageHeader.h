@@ -1,4 +1,8 @@
-// ImageHeader.h - the header of the dictionary image, for those who read or write it (internal).
+// ImageHeader.h - the header of the dictionary image, for those who read or write it.
+//
+//   uint32_t const nNodes = HeaderWord(pImage, HDR_NODE_COUNT);
+//
+// Nothing is checked: who does not know a file looks at its size and its magic before.
 #ifndef QEADRS_DIC_IMAGEHEADER_H
 #define QEADRS_DIC_IMAGEHEADER_H
 
@@ -6,9 +10,16 @@
 
 #include <cstring>
 
-// The header is 27 words of 32 bits. Offsets count bytes from the start of the file.
+// What a file begins with: 7 characters and the NUL.
+inline constexpr char IMAGE_MAGIC[] = "QEADRS\x1A";
+static_assert(sizeof IMAGE_MAGIC == 8);
+
+// The format version of this library and of the files that the compiler writes.
+constexpr uint32_t IMAGE_VERSION = 1;
+
+// The header is 27 words of 32 bits, little-endian. Offsets count bytes from the start of the file.
 enum tagHEADERWORD : unsigned {
-    HDR_MAGIC = 0,         // words 0 to 7 are the compiler's: the library does not read them
+    HDR_MAGIC = 0,         // words 0 to 7 are for tools and hosts: no query reads them
     HDR_VERSION = 2,       // format version
     HDR_EDITION = 3,       // edition, decimal yyyymmdd (dd 00: the month only; 0: unknown)
     HDR_CHECKSUM = 4,      // CRC-32 of the whole file with this word taken as 0
@@ -33,16 +44,19 @@ enum tagHEADERWORD : unsigned {
     HDR_OFFICE_COUNT = 26, // entries of the organisation index
     HDR_WORDS = 27,
 };
+
+// The size of the header in bytes.
 constexpr unsigned HDR_BYTES = 4 * HDR_WORDS;
 static_assert(HDR_BYTES == 108);
 
-// A word of the image at any byte position, aligned or not.
+// A word of the image at any byte position, aligned or not. REQUIRES: its four bytes can be read.
 inline uint32_t ReadWord(unsigned char const* p) {
     uint32_t n;
     std::memcpy(&n, p, sizeof n);
     return n;
 }
 
+// A word of the header. REQUIRES: HDR_BYTES bytes can be read there.
 inline uint32_t HeaderWord(unsigned char const* pImage, tagHEADERWORD nWord) {
     return ReadWord(pImage + size_t{4} * nWord);
 }

@@ -38,8 +38,8 @@ esac
 lib=$(dirname "$(find "$moved" -name libqeadrs.so)")
 flags() { PKG_CONFIG_LIBDIR=$lib/pkgconfig pkg-config "$@" qeadrs; }
 # shellcheck disable=SC2046  # flags are words
-for header in dic/AddrDic.h dic/Addr.h dic/AddrNode.h dic/Export.h tree/AddrPnt.h tree/DispTree.h api/Pstexec.h \
-    api/ga_legacy.h api/qeadrs.hpp platform/Win32Compat.h; do
+for header in dic/AddrDic.h dic/Addr.h dic/AddrNode.h dic/Export.h dic/ImageHeader.h tree/AddrPnt.h tree/DispTree.h \
+    api/Pstexec.h api/ga_legacy.h api/qeadrs.hpp platform/Win32Compat.h; do
     echo "#include \"$header\"" | c++ -std=c++17 -fsyntax-only $(flags --cflags) -x c++ - ||
         { echo "$header"; exit 1; }
 done

@@ -36,7 +36,7 @@ uint32_t GetWord(std::vector<unsigned char> const& vByte, size_t nOffset) {
 // An image with the words that the library does not read and that the header for hosts looks at.
 std::vector<unsigned char> AsFile(CTestImage const& image) {
     std::vector<unsigned char> vByte = image.Bytes();
-    std::memcpy(vByte.data(), "QEADRS\x1A", 8);
+    std::memcpy(vByte.data(), IMAGE_MAGIC, sizeof IMAGE_MAGIC);
     SetWord(vByte, 8, 1);
     SetWord(vByte, 12, 20260500);
     SetWord(vByte, 20, static_cast<uint32_t>(vByte.size()));
@@ -132,7 +132,6 @@ TEST_F(HostHeader, RefusesAFileWhoseTablesDoNotLieInIt) {
         EXPECT_EQ(WhyWith(words.nOffset, nSize), EError::DamagedFile);
         EXPECT_EQ(WhyWith(words.nOffset, 0xFFFFFFFC), EError::DamagedFile);
         EXPECT_EQ(WhyWith(words.nOffset, GetWord(vByte, 4 * words.nOffset) - 2), EError::DamagedFile)
-
             << "not aligned, or the last text without an end";
     }
 }
@@ -181,6 +180,23 @@ TEST_F(HostHeader, MapsAFileAsLongAsSomebodyHoldsIt) {
         EXPECT_EQ(other.File().Edition(), 20260500u);
     }
     EXPECT_FALSE(IsFileMapped(m_strFile));
+}
+
+TEST_F(HostHeader, UnmapsTheFileThatAnotherOneIsMovedOver) {
+    std::string const strOther = m_profile.Folder() + "/other.dic";
+    std::filesystem::copy_file(Write(CTinyWorld()), strOther);
+    qeadrs::CDictionaryFile file = *qeadrs::CDictionaryFile::Open(m_strFile);
+    qeadrs::CDictionaryFile other = *qeadrs::CDictionaryFile::Open(strOther);
+    file = std::move(other);
+    EXPECT_FALSE(IsFileMapped(m_strFile));
+    EXPECT_EQ(other.Bytes(), nullptr); // NOLINT: what is left of it is told
+    EXPECT_EQ(other.Size(), 0u);
+    EXPECT_EQ(other.Edition(), 0u);
+    EXPECT_FALSE(other.Is(strOther));
+    qeadrs::CDictionaryFile& same = file;
+    file = std::move(same);
+    EXPECT_TRUE(file.Is(strOther));
+    EXPECT_TRUE(IsFileMapped(strOther));
 }
 
 TEST_F(HostHeader, SeesThatAFileHasBeenReplaced) {
@@ -260,6 +276,7 @@ TEST_F(HostHeader, KeepsTheUnreadRestOfATextWithItsAnswer) {
     qeadrs::CRecords records = dictionary.Separate(strText);
     strText.assign(strText.size(), 'x');
     qeadrs::CRecords const moved = std::move(records);
+    EXPECT_TRUE(records.empty()); // NOLINT: what is left of it is told
     EXPECT_EQ(moved[0].strTown, "丸の内");
     EXPECT_EQ(moved[0].strArea, "２");
     EXPECT_EQ(dictionary.FromPart("東京都千代田区丸の内3-1")[0].strArea, "3-1") << "also in the shortest texts";
@@ -288,6 +305,19 @@ TEST_F(HostHeader, GivesLatestAddressesAndCodesOfOrganisations) {
     EXPECT_EQ(dictionary.CodeOf("東京都千代田区丸の内", std::string(200000, 'x'))[0].strCode, "1000005");
     EXPECT_EQ(dictionary.CodeOf("東京都千代田区丸の内", std::string(200000, ' '))[0].strCode, "1008111")
         << "a name of which nothing remains begins every name";
+}
+
+TEST_F(HostHeader, FindsTheCodeOfAnAddressAlsoWhenTheOrganisationHasNoEntry) {
+    for (uint32_t nInfo : {ADDR_NONE, 10000u}) {
+        CTextWorld world;
+        world.vNode[world.nTest].nInfo = nInfo;
+        qeadrs::CDictionary dictionary = Dictionary(world);
+        qeadrs::CRecords const records = dictionary.CodeOf("東京都千代田区丸の内", "テスト");
+        ASSERT_EQ(records.size(), 1u);
+        EXPECT_EQ(records[0].strCode, "1000005");
+        EXPECT_EQ(qeadrs::CApi::Open()->CodeOf("東京都千代田区丸の内", "テスト")->strCode, "1000005")
+            << "like the API";
+    }
 }
 
 TEST_F(HostHeader, WalksDownThePlaces) {
@@ -342,6 +372,21 @@ TEST_F(HostHeader, RefinesDownToATown) {
     EXPECT_EQ(dictionary.Select(-1).has_value(), false);
     EXPECT_EQ(dictionary.RefinedTown(-1).has_value(), false);
     EXPECT_EQ(dictionary.RefinedTown(99).has_value(), false);
+}
+
+TEST_F(HostHeader, RefinesNothingByATextWithANul) {
+    using namespace std::string_view_literals;
+    qeadrs::CDictionary dictionary = Dictionary(CBrowseWorld());
+    unsigned const nPrefs = dictionary.Select(0)->nPrefs; // those of the whole dictionary
+    ASSERT_GT(nPrefs, 1u);
+    for (auto const& [strCode, strAddress] :
+         {std::pair{"105\0junk"sv, ""sv}, std::pair{"\0junk"sv, "東京都港区"sv},
+          std::pair{""sv, "東京都港区\0junk"sv}, std::pair{"105"sv, "\0junk"sv}}) {
+        dictionary.Refine("105"); // what was there before does not stay
+        EXPECT_EQ(dictionary.Select(0)->nPrefs, 1u);
+        dictionary.Refine(strCode, strAddress);
+        EXPECT_EQ(dictionary.Select(0)->nPrefs, nPrefs);
+    }
 }
 
 TEST_F(HostHeader, LetsSeveralObjectsReadOneFile) {
@@ -418,7 +463,8 @@ bool ReadAll(CBlockBytes const& vByte) {
     return true;
 }
 
-// The block cut at every byte, refused when fewer than nLeast bytes are left, and with every byte changed in every bit, and to the most and the least it can be.
+// The block cut at every byte, refused when fewer than nLeast bytes are left, and with every byte changed in every bit,
+// and to the most and the least it can be.
 template <typename TRange>
 void ReadDamaged(CBlockBytes const& vBlock, size_t nLeast) {
     ASSERT_TRUE(ReadAll<TRange>(vBlock));
@@ -543,6 +589,48 @@ TEST(HostBlocks, AreFreedWithTheirObjectAndMoveWithIt) {
     EXPECT_EQ(GlobalSize(hShort), 0u);
 }
 
+HGLOBAL AsBlock(CBlockBytes const& vByte) {
+    HGLOBAL const hMem = GlobalAlloc(GHND, vByte.size());
+    std::memcpy(GlobalLock(hMem), vByte.data(), vByte.size());
+    GlobalUnlock(hMem);
+    return hMem;
+}
+
+template <typename TAnswer>
+void MoveAbout(CBlockBytes const& vByte, CBlockBytes const& vOther) {
+    HGLOBAL const hMem = AsBlock(vByte), hOther = AsBlock(vOther);
+    {
+        TAnswer answer = *TAnswer::Of(qeadrs::CBlock::Take(hMem));
+        size_t const nSize = answer.size();
+        ASSERT_GT(nSize, 0u);
+        auto const pFirst = answer.begin();
+        CTexts const vFirst = TextsOf(*pFirst);
+        auto const ExpectEmpty = [](TAnswer const& from) {
+            EXPECT_EQ(from.size(), 0u);
+            EXPECT_TRUE(from.begin() == from.end());
+            EXPECT_EQ(from.Bytes().Size(), 0u);
+        };
+        TAnswer moved = std::move(answer);
+        ExpectEmpty(answer); // NOLINT: what is left of it is told
+        TAnswer target = *TAnswer::Of(qeadrs::CBlock::Take(hOther));
+        target = std::move(moved);
+        ExpectEmpty(moved); // NOLINT
+        EXPECT_EQ(GlobalSize(hOther), 0u) << "freed as soon as nobody has it";
+        TAnswer& same = target;
+        target = std::move(same);
+        EXPECT_EQ(target.size(), nSize);
+        EXPECT_EQ(TextsOf(*target.begin()), vFirst);
+        EXPECT_EQ(TextsOf(*pFirst), vFirst) << "iterators stay good";
+    }
+    EXPECT_EQ(GlobalSize(hMem), 0u);
+}
+
+TEST(HostBlocks, TakeTheirEntriesAlongWhenTheyMove) {
+    MoveAbout<qeadrs::CNames>(Names({"東京都", "広島県"}), Names({"香川県"}));
+    MoveAbout<qeadrs::CTowns>(NewCodeFirst(CHIYODA_TOWNS), NO_ENTRIES);
+    MoveAbout<qeadrs::CLines>(Lines(MINATO_LINES), NO_LINES);
+}
+
 // --- the API -------------------------------------------------------------------------------------------------------
 
 static_assert(!std::is_copy_constructible_v<qeadrs::CApi> && !std::is_copy_constructible_v<qeadrs::CBlock> &&
@@ -558,6 +646,18 @@ TEST_F(HostHeader, OpensTheDictionaryOfTheProfileOnceAtATime) {
         qeadrs::CApi const moved = std::move(api);
         EXPECT_TRUE(IsFileMapped(m_strFile));
     }
+    EXPECT_FALSE(IsFileMapped(m_strFile));
+    EXPECT_TRUE(qeadrs::CApi::Open());
+}
+
+TEST_F(HostHeader, ClosesTheApiThatAnotherOneIsMovedOver) {
+    Write(CTinyWorld());
+    qeadrs::CApi api = *qeadrs::CApi::Open();
+    qeadrs::CApi moved = std::move(api);
+    qeadrs::CApi& same = moved;
+    moved = std::move(same);
+    EXPECT_TRUE(IsFileMapped(m_strFile));
+    moved = std::move(api); // NOLINT: which has nothing open
     EXPECT_FALSE(IsFileMapped(m_strFile));
     EXPECT_TRUE(qeadrs::CApi::Open());
 }
