@@ -26,11 +26,9 @@ namespace {
 
 constexpr char BATCH_HELP[] =
     "Every line comes out once, in its order and as it was, with the results behind it, in JSON as keys: what "
-    "`qeadrs "
-    "zip` prints of the first address, and their count; what `qeadrs addr` or `latest` prints; last the status: "
-    "found, "
-    "not found, or why not. Malformed lines go to the rejects, else into the output as they are. Here 0 is: all were "
-    "looked up, 1: some were malformed.";
+    "`qeadrs zip` prints of the first address, and their count; what `qeadrs addr` or `latest` prints; last the "
+    "status: found, not found, or why not. Malformed lines go to the rejects, else into the output as they are.\n"
+    "Exit: 0 all looked up, found or not, 1 some malformed, 2 usage, 3 no dictionary, 4 system error.";
 
 size_t CountJobs(CBatchOptions const& options) {
     return options.nJobs != 0 ? options.nJobs : std::max(1u, std::thread::hardware_concurrency());
@@ -71,7 +69,6 @@ class CBatch {
             throw CFailure(EXIT_USAGE, "--rejects names the input or the output itself.");
         if (m_dictionary.Mapped().Is(*m_options.strRejects))
             throw CFailure(EXIT_USAGE, "--rejects names the dictionary.");
-        m_rejects->Truncate();
     }
 
     void Filter() {
@@ -79,6 +76,7 @@ class CBatch {
         CBatchWork next;
         bool bMore = reader.Next(next.chunk);
         TakeHeader(next);
+        if (m_rejects) m_rejects->Truncate(); // not before it is sure that the call is right
         size_t const nJobs = CountJobs(m_options);
         // For each thread one that it answers, and one that waits to be answered or written.
         CBatchPool pool(
@@ -141,6 +139,27 @@ class CBatch {
     std::optional<CBatchWriter> m_writer;
 };
 
+template <typename T>
+using CWords = std::vector<std::pair<std::string, T>>;
+
+// Makes a word its number, as the parser's own transformer does, which takes the numbers themselves as well.
+// REQUIRES: vWord lives as long as the parser.
+template <typename T>
+CLI::Validator OneOf(CWords<T> const& vWord) {
+    return {[&vWord](std::string& strText) -> std::string {
+                std::string strWords;
+                for (auto const& [strWord, nValue] : vWord) {
+                    if (strWord == strText) {
+                        strText = std::to_string(static_cast<int>(nValue));
+                        return "";
+                    }
+                    strWords += (strWords.empty() ? "" : ", ") + strWord;
+                }
+                return Quote(strText) + " is none of " + strWords + ".";
+            },
+            ""};
+}
+
 } // namespace
 
 bool CBatchOptions::IsProgressSeen() {
@@ -157,21 +176,21 @@ EExit RunBatch(CBatchOptions const& options) try {
 }
 
 void AddBatch(CLI::App& app, CBatchOptions& options, EExit& nStatus) {
-    static std::vector<std::pair<std::string, EBatchForm>> const FORMS = {
+    static CWords<EBatchForm> const FORMS = {
         {"tsv", EBatchForm::Tsv}, {"csv", EBatchForm::Csv}, {"jsonl", EBatchForm::Jsonl}};
-    static std::vector<std::pair<std::string, EBatchOp>> const OPS = {
+    static CWords<EBatchOp> const OPS = {
         {"zip", EBatchOp::Zip}, {"addr", EBatchOp::Addr}, {"latest", EBatchOp::Latest}};
     CLI::App* const pBatch = app.add_subcommand("batch", "results beside each line of a table");
-    pBatch->add_option("FILE", options.strFile, "the table (none: standard input)");
+    pBatch->add_option("FILE", options.strFile, "the table (none, or -: standard input)");
     pBatch->add_option("--from", options.nForm, "form of the input and of the output")
-        ->transform(CLI::CheckedTransformer(FORMS))
+        ->transform(OneOf(FORMS))
         ->type_name("tsv|csv|jsonl")
         ->required();
     pBatch->add_option("--column", options.strColumn, "what to look up: number from 1, name below a header, JSON key")
         ->type_name("N")
         ->required();
     pBatch->add_option("--op", options.nOp, "look up postal codes, addresses, or latest forms")
-        ->transform(CLI::CheckedTransformer(OPS))
+        ->transform(OneOf(OPS))
         ->type_name("zip|addr|latest")
         ->required();
     pBatch->add_flag("--header", options.bHeader, "the first line has names; the results' are added");

@@ -45,7 +45,7 @@ void CBatchFile::Write(std::string const& strText) const {
         } else if (errno == EAGAIN) { // somebody else has made the file so that it does not wait
             pollfd file = {m_hFile, POLLOUT, 0};
             poll(&file, 1, -1);
-        } else if (errno == EPIPE) {
+        } else if (errno == EPIPE && m_hFile == STDOUT_FILENO) {
             throw CClosedPipe();
         } else if (errno != EINTR) {
             throw CFailure(EXIT_SYSTEM, m_strName + " cannot be written: " + std::strerror(errno) + ".");
@@ -72,7 +72,7 @@ void CBatchFile::Truncate() const {
 }
 
 CBatchFile OpenBatchInput(std::optional<std::string> const& strFile) {
-    return strFile ? Open(*strFile, O_RDONLY) : CBatchFile(STDIN_FILENO, "standard input");
+    return strFile && *strFile != "-" ? Open(*strFile, O_RDONLY) : CBatchFile(STDIN_FILENO, "standard input");
 }
 
 CBatchFile OpenBatchRejects(std::string const& strFile) {

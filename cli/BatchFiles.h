@@ -19,7 +19,8 @@ class CBatchFile {
 
     int Handle() const { return m_hFile; }
 
-    // All of the text. Throws CClosedPipe when nobody reads any more, and CFailure when it cannot be written.
+    // All of the text. Throws CClosedPipe when it is the standard output and nobody reads that any more, and CFailure
+    // when it cannot be written: rejects that nobody takes are lost lines.
     void Write(std::string const& strText) const;
 
     // Bytes from here to its end; nothing when that is not known.
@@ -39,7 +40,7 @@ class CBatchFile {
 // The reader of the output has gone, as `head` does: nothing to complain about.
 class CClosedPipe {};
 
-// The file, or standard input without one. Throws CFailure when it cannot be opened.
+// The file, or standard input without one and for "-". Throws CFailure when it cannot be opened.
 CBatchFile OpenBatchInput(std::optional<std::string> const& strFile);
 
 // The file for rejects, new or not yet emptied. Throws CFailure when it cannot be opened.

@@ -8,7 +8,9 @@
 #include "cli/Text.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <charconv>
+#include <cstdint>
+#include <system_error>
 
 namespace qe {
 
@@ -40,7 +42,7 @@ class CColumns : public CBatchForm {
     CColumns(bool bCsv, std::string const& strColumn, bool bHeader, std::vector<CBatchColumn> const& vColumn)
         : m_bCsv(bCsv), m_vColumn(vColumn) {
         bool const bNumber = strColumn.find_first_not_of("0123456789") == std::string::npos;
-        if (bNumber) m_nColumn = std::strtoull(strColumn.c_str(), nullptr, 10); // the largest one when it is larger
+        if (bNumber) m_nColumn = ReadNumber(strColumn);
         if (!bNumber && bHeader) m_strName = strColumn;
         if (m_nColumn == 0 && m_strName.empty())
             throw CFailure(EXIT_USAGE, Quote(strColumn) + " is no column: they are counted from 1" +
@@ -98,6 +100,15 @@ class CColumns : public CBatchForm {
             if (!Take(strBody.substr(nStart, nEnd - nStart))) return;
             nStart = nEnd + 1;
         }
+    }
+
+    // 0 without digits. The bound is that of 32 bits everywhere, and no line has so many columns.
+    static size_t ReadNumber(std::string const& strDigits) {
+        uint32_t nColumn = 0;
+        auto const result = std::from_chars(strDigits.data(), strDigits.data() + strDigits.size(), nColumn);
+        if (result.ec == std::errc::result_out_of_range)
+            throw CFailure(EXIT_USAGE, Quote(strDigits) + " is no column: no line has so many.");
+        return nColumn;
     }
 
     void ReadText(std::string_view strField, std::string& strText) const {

@@ -27,14 +27,17 @@ void Wake(int hFile) {
     if (write(hFile, "", 1) < 0) errno = nError;
 }
 
-void TakeSignal(int nSignal) {
-    g_nSignal = nSignal;
-    Wake(g_hWake);
-}
-
 void End(int nSignal) {
     std::signal(nSignal, SIG_DFL);
     std::raise(nSignal);
+}
+
+// The second one need not be the signal that came first: Ctrl-C, and then kill.
+void TakeSignal(int nSignal) {
+    if (g_nSignal.exchange(nSignal) != 0)
+        End(nSignal);
+    else
+        Wake(g_hWake);
 }
 
 } // namespace
@@ -49,8 +52,7 @@ CBatchStop::CBatchStop() {
         if (before.sa_handler == SIG_IGN) continue;
         struct sigaction action = {};
         action.sa_handler = TakeSignal;
-        // A read or write that waits is not to go on as if nothing had happened; the next signal ends the process.
-        action.sa_flags = static_cast<int>(SA_RESETHAND);
+        action.sa_flags = 0; // a read or write that waits is not to go on as if nothing had happened
         sigaction(nSignal, &action, nullptr);
     }
 }

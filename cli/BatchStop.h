@@ -1,12 +1,13 @@
-// BatchStop.h - the ways in which a batch ends before its input does, each of which leaves whole lines behind.
+// BatchStop.h - the ways in which a batch ends before its input does. Asked to end, it leaves whole lines behind, but
+// for one of more than 1,000,000 bytes: its pieces are written as they come.
 //
 //   CBatchStop stop;                             // from now on Ctrl-C is a request
 //   if (!stop.WaitFor(STDIN_FILENO)) ...         // somebody wants it to end: read no more, finish what was read
 //   stop.EndBySignal();                          // and then end as if the signal had not been caught
 //
-// Signals  SIGINT, SIGTERM and SIGHUP ask once; a second one ends the process at once. One that the caller has had
-//          ignored (nohup, a job in the background) stays ignored. SIGPIPE is ignored: a closed pipe is seen by the
-//          one who writes.
+// Signals  SIGINT, SIGTERM and SIGHUP ask once; a second one, the same or another, ends the process at once. One that
+//          the caller has had ignored (nohup, a job in the background) stays ignored. SIGPIPE is ignored: a closed
+//          pipe is seen by the one who writes.
 // Threads  Request may be called by any thread.
 // One only A process has one set of signal handlers: do not make a second object while one lives.
 #ifndef QEADRS_CLI_BATCHSTOP_H

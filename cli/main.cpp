@@ -22,9 +22,6 @@ namespace {
 int Run(int nArguments, char** ppszArgument) {
     CLI::App app("look up Japanese postal addresses", "qeadrs");
     SetUpProgram(app, {QEADRS_VERSION, "[TEXT...]", "(no TEXT: one per line from standard input)", EXIT_HELP});
-    app.failure_message([](CLI::App const*, CLI::Error const& error) {
-        return std::string("qeadrs: ") + error.what() + "\nRun `qeadrs --help` or `qeadrs COMMAND --help`.\n";
-    });
     COptions options;
     EExit nStatus = EXIT_FOUND;
     AddCommands(app, options, nStatus);

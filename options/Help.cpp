@@ -95,7 +95,9 @@ void PrintHelp(CProgram const& program, CCommandEntry const& command, std::ostre
     PrintRows(out, "Options", vOption, nColumn, COMMAND_WIDTH);
     out << '\n';
     PrintParagraphs(out, command.strDetails, COMMAND_WIDTH);
-    PrintParagraphs(out, program.style.strExit, COMMAND_WIDTH);
+    // A command whose status means something else tells so itself.
+    if (command.strDetails.find("Exit: ") == std::string::npos)
+        PrintParagraphs(out, program.style.strExit, COMMAND_WIDTH);
 }
 
 } // namespace qe

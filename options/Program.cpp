@@ -42,10 +42,26 @@ void Generate(CProgram const& program, std::string const& strWhat, std::ostream&
     if (strWhat == "man") PrintManSections(program, out);
 }
 
+// A value that is missing, without what the parser tells of how it would check it:
+// "--jobs: 1 required N:INT in [1 - 256] missing".
+std::string Plain(CLI::Error const& error) {
+    static std::string const REQUIRED = ": 1 required ";
+    std::string const strText = error.what();
+    size_t const nStart = strText.find(REQUIRED);
+    if (error.get_name() != "ArgumentMismatch" || nStart == std::string::npos) return strText;
+    size_t const nValue = nStart + REQUIRED.size();
+    return strText.substr(0, nStart) + ": " + strText.substr(nValue, strText.find_first_of(": ", nValue) - nValue) +
+           " is missing";
+}
+
 } // namespace
 
 void SetUpProgram(CLI::App& app, CProgramStyle const& style) {
     app.formatter(std::make_shared<CHelp>(style));
+    app.failure_message([strName = app.get_name()](CLI::App const*, CLI::Error const& error) {
+        return strName + ": " + Plain(error) + "\nRun `" + strName + " --help` or `" + strName +
+               " COMMAND --help`.\n";
+    });
     app.set_help_flag("-h,--help", "this help");
     app.set_version_flag("--version", style.strVersion, "version of the program");
     app.require_subcommand(1);

@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -162,14 +163,30 @@ TEST_F(BatchBesideOthers, LeavesWholeLinesWhenItIsStoppedInTheMiddle) {
     EXPECT_EQ(strOut.back(), '\n');
 }
 
-TEST_F(BatchBesideOthers, EndsAtOnceWhenItIsStoppedTwice) {
-    CStarted started = StartPiped(ADDR, WriteFile("table", ManyLines()));
-    WaitUntilFull(started.hOut);
-    kill(started.nProcess, SIGINT);
-    Sleep(100);
-    EXPECT_EQ(waitpid(started.nProcess, nullptr, WNOHANG), 0) << "it waits for its output to be read";
-    kill(started.nProcess, SIGINT);
-    EXPECT_EQ(Wait(started.nProcess), 1000 + SIGINT);
+// What Wait returns; a process that does not end is ended.
+int WaitBriefly(pid_t nProcess) {
+    siginfo_t info = {};
+    for (int i = 0; i < 100 && info.si_pid == 0; ++i) {
+        waitid(P_PID, static_cast<id_t>(nProcess), &info, WEXITED | WNOHANG | WNOWAIT);
+        if (info.si_pid == 0) Sleep(20);
+    }
+    if (info.si_pid == 0) kill(nProcess, SIGKILL);
+    return Wait(nProcess);
+}
+
+TEST_F(BatchBesideOthers, EndsAtOnceWhenItIsStoppedTwiceByWhicheverSignals) {
+    std::string const strFile = WriteFile("table", ManyLines());
+    for (auto const& [nFirst, nSecond] : {std::pair(SIGINT, SIGINT), std::pair(SIGINT, SIGTERM),
+                                          std::pair(SIGTERM, SIGINT), std::pair(SIGHUP, SIGTERM)}) {
+        SCOPED_TRACE(testing::Message() << nFirst << ", " << nSecond);
+        CStarted started = StartPiped(ADDR, strFile);
+        WaitUntilFull(started.hOut);
+        kill(started.nProcess, nFirst);
+        Sleep(100);
+        EXPECT_EQ(waitpid(started.nProcess, nullptr, WNOHANG), 0) << "it waits for its output to be read";
+        kill(started.nProcess, nSecond);
+        EXPECT_EQ(WaitBriefly(started.nProcess), 1000 + nSecond);
+    }
 }
 
 TEST_F(BatchBesideOthers, GoesOnWhenItsCallerHasTheSignalIgnored) {
@@ -244,6 +261,31 @@ TEST_F(BatchBesideOthers, DoesNotEmptyItsDictionary) {
     CResult const result = Run(WithDic("batch", strDic, With(ADDR, {"--rejects", strDic})), LINE);
     EXPECT_EQ(Remark(result, 2), "qeadrs: --rejects names the dictionary.\n");
     EXPECT_TRUE(ReadFile(strDic) == strBytes);
+}
+
+// Unlike the output's, whose reader may have enough: what is lost here is nowhere else.
+TEST_F(BatchBesideOthers, ReportsThatNobodyTakesItsRejects) {
+    std::string const strPipe = Path("rejects");
+    ASSERT_EQ(mkfifo(strPipe.c_str(), 0600), 0);
+    CHandle hReader = Open(strPipe, O_RDONLY | O_NONBLOCK);
+    CStarted started = StartPiped(With(ADDR, {"--rejects", strPipe}));
+    WriteAll(started.hIn, LINE + '\n');
+    EXPECT_EQ(ReadUntil(started.hOut, "\n"), ANSWER);
+    hReader = CHandle();
+    WriteAll(started.hIn, "\xFF\n");
+    EXPECT_EQ(Wait(started.nProcess), 4);
+    EXPECT_EQ(ReadFile(Path("stderr")), "qeadrs: " + strPipe + " cannot be written: Broken pipe.\n");
+}
+
+TEST_F(BatchBesideOthers, KeepsTheRejectsOfTheLastRunWhenTheCallIsWrong) {
+    std::string const strFile = WriteFile("rejects", "old\n");
+    for (std::string const strColumn : {"b", "0", "2", "99999999999999999999"}) {
+        SCOPED_TRACE(strColumn);
+        Remark(Batch({"--from", "tsv", "--header", "--column", strColumn, "--op", "addr", "--rejects", strFile},
+                     "a\n" + LINE + "\n"),
+               2);
+        EXPECT_EQ(ReadFile(strFile), "old\n");
+    }
 }
 
 TEST_F(BatchBesideOthers, EmptiesTheRejectsOfTheLastRun) {

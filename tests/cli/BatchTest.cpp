@@ -1,6 +1,8 @@
 // `qeadrs batch`: records in each form, their results, and what is wrong with those that have none.
 #include "tests/cli/BatchTest.h"
 
+#include <fcntl.h>
+
 #include <fstream>
 #include <tuple>
 
@@ -332,6 +334,11 @@ TEST_F(BatchTest, ReadsAFile) {
               "a\t1000001" + CHIYODA + "\n");
 }
 
+TEST_F(BatchTest, TakesADashForStandardInput) {
+    EXPECT_EQ(Answers(With(ZIP, {"-"}), "a\t1000001\n"), "a\t1000001" + CHIYODA + "\n");
+    EXPECT_THAT(Run({"batch", "--help"}).strOut, HasSubstr("none, or -: standard input"));
+}
+
 TEST_F(BatchTest, GivesTheSameWithAnyNumberOfJobs) {
     std::string strInput, strExpected;
     for (int i = 0; i < 20'000; ++i) {
@@ -353,6 +360,8 @@ TEST_F(BatchTest, RefusesAWrongCall) {
         {"--column", "1", "--op", "zip"},
         {"--from", "xml", "--column", "1", "--op", "zip"},
         {"--from", "tsv", "--column", "1", "--op", "find"},
+        {"--from", "1", "--column", "1", "--op", "zip"},
+        {"--from", "tsv", "--column", "1", "--op", "0"},
         {"--from", "tsv", "--column", "0", "--op", "zip"},
         {"--from", "tsv", "--column", "", "--op", "zip"},
         {"--from", "tsv", "--column", "name", "--op", "zip"},
@@ -364,6 +373,37 @@ TEST_F(BatchTest, RefusesAWrongCall) {
         SCOPED_TRACE(testing::PrintToString(vWrong));
         EXPECT_THAT(Remark(Batch(vWrong, "1000001\n"), 2), StartsWith("qeadrs: "));
     }
+}
+
+TEST_F(BatchTest, TellsTheWordsThatItTakes) {
+    EXPECT_THAT(Remark(Batch({"--from", "xml", "--column", "1", "--op", "zip"}), 2),
+                StartsWith("qeadrs: --from: \"xml\" is none of tsv, csv, jsonl.\n"));
+    EXPECT_THAT(Remark(Batch({"--from", "tsv", "--column", "1", "--op", "2"}), 2),
+                StartsWith("qeadrs: --op: \"2\" is none of zip, addr, latest.\n"));
+}
+
+// The number that is complained about is the one that was typed, also where a word has 32 bits.
+TEST_F(BatchTest, RefusesAColumnBeyondAllNumbers) {
+    for (std::string const strColumn : {"4294967296", "4294967297", "18446744073709551617", "99999999999999999999"})
+        EXPECT_EQ(Remark(Batch({"--from", "tsv", "--column", strColumn, "--op", "zip"}, "1000001\n"), 2),
+                  "qeadrs: \"" + strColumn + "\" is no column: no line has so many.\n");
+    EXPECT_THAT(Batch({"--from", "tsv", "--column", "4294967295", "--op", "zip"}, "1000001\n").strErr,
+                StartsWith("qeadrs: line 1: 1 column, and no column 4294967295\n"));
+    EXPECT_EQ(Answers({"--from", "tsv", "--column", "000000000000000000001", "--op", "zip"}, "1000001\n"),
+              "1000001" + CHIYODA + "\n");
+}
+
+TEST_F(BatchTest, TellsWhatIsWrongWithACallAsTheCompilerDoes) {
+    EXPECT_EQ(Batch(With(ZIP, {"--jobs="})).strErr,
+              "qeadrs: --jobs: N is missing\nRun `qeadrs --help` or `qeadrs COMMAND --help`.\n");
+    CHandle const hNull = open("/dev/null", O_RDWR | O_CLOEXEC);
+    CPipe err;
+    pid_t const nProcess =
+        Start({QEADRS_DIC_FILE, "fetch", "-d", "x", "--tries="}, {}, "/", hNull, hNull, err.hWrite);
+    err.hWrite = CHandle();
+    EXPECT_EQ(ReadAll(err.hRead), "qeadrs-dic: --tries: N is missing\n"
+                                  "Run `qeadrs-dic --help` or `qeadrs-dic COMMAND --help`.\n");
+    EXPECT_EQ(Wait(nProcess), 2);
 }
 
 TEST_F(BatchTest, ExplainsItselfOnOneScreen) {
