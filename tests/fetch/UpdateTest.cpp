@@ -1,5 +1,6 @@
 // qeadrs-update, the script of the monthly update, against a server on 127.0.0.1: what is in its folder after each run.
 // The programs that it starts stand in a folder of their own, where each can be made to fail or to wait.
+#include "dic/ImageHeader.h"
 #include "tests/builder/Support.h"
 #include "tests/cli/Process.h"
 #include "tests/fetch/LoopbackServer.h"
@@ -25,10 +26,11 @@ namespace {
 using CNames = std::vector<std::string>;
 
 // What the script starts besides itself and the tests that the shell has in it.
-CNames const PROGRAMS = {"qeadrs-dic", "cat",    "cmp", "cp", "flock", "id",        "ln",
-                         "mkdir",      "mktemp", "mv",  "rm", "sed",   "sha256sum", "stat"};
+CNames const PROGRAMS = {"qeadrs-dic", "cat", "cmp", "cp",  "flock",     "id",   "ln",  "mkdir",
+                         "mktemp",     "mv",  "rm",  "sed", "sha256sum", "stat", "sync"};
 
-// One of them: notes that it was called, fails when it is the call that is to fail, waits when it is to wait.
+// One of them: notes that it was called, fails when it is the call that is to fail, waits when it is to wait. Before
+// the call QE_AT something else is done, which may end it or the script ($PPID).
 char const szStandIn[] = R"sh(#!/bin/sh
 name=${0##*/}
 echo "$name $*" >>"$QE_LOG"
@@ -37,6 +39,7 @@ if [ -n "${QE_FAIL_AT:-}" ] && [ "$(/usr/bin/wc -l <"$QE_LOG")" = "$QE_FAIL_AT" 
     echo "$name was made to fail" >&2
     exit 1
 fi
+if [ -n "${QE_AT:-}" ] && [ "$(/usr/bin/wc -l <"$QE_LOG")" = "$QE_AT" ]; then eval "$QE_DO"; fi
 if [ "$name $1" = "${QE_WAIT:-}" ]; then
     : >"$QE_LOG.waits"
     while [ -e "$QE_LOG.waits" ]; do /usr/bin/sleep 0.02; done
@@ -55,7 +58,19 @@ struct CUpdateRun {
     int nStatus;
     std::string strOut, strErr;
     CNames vCall; // programs that it started, with their arguments
+
+    // Numbers of the calls that begin so, from 1.
+    std::vector<size_t> CallsOf(std::string const& strBegin) const {
+        std::vector<size_t> vCallNo;
+        for (size_t n = 0; n < vCall.size(); ++n)
+            if (vCall[n].compare(0, strBegin.size(), strBegin) == 0) vCallNo.push_back(n + 1);
+        return vCallNo;
+    }
 };
+
+CEnvironment At(size_t nCall, std::string const& strDo) {
+    return {{"QE_AT", std::to_string(nCall)}, {"QE_DO", strDo}};
+}
 
 class Update : public testing::Test {
   protected:
@@ -143,6 +158,13 @@ class Update : public testing::Test {
         for (auto* const p : {&before, &after})
             for (char const* psz : {"fetched/utf_ken_all.zip", "fetched/jigyosyo.zip"}) p->erase(psz);
         EXPECT_TRUE(before == after);
+    }
+
+    // Puts everything back as it was.
+    void Restore(std::map<std::string, std::string> const& content) const {
+        fs::remove_all(Path(""));
+        for (auto const& [strName, strBytes] : content)
+            if (strBytes != "/") m_folder.Write("d \"ü'/" + strName, strBytes);
     }
 
     // What `qeadrs latest` makes of an address.
@@ -259,8 +281,8 @@ TEST_F(Update, ADamagedDownloadLeavesEverythingAsItIs) {
 TEST_F(Update, TablesThatCannotBeCompiledLeaveTheDictionaryAndAreTriedAgain) {
     ExpectRun();
     m_strTowns = Zip({{"utf_ken_all.csv", "13101,\"no row\"\r\n"}}, 202606);
-    ExpectFailure("the tables cannot be compiled, see above");
-    ExpectFailure("the tables cannot be compiled, see above", {"--no-fetch"});
+    ExpectFailure("the tables in fetched or history cannot be compiled, see above");
+    ExpectFailure("the tables in fetched or history cannot be compiled, see above", {"--no-fetch"});
     m_strTowns = Towns(202606, 0, 21);
     ExpectRun();
     EXPECT_TRUE(fs::exists(Path("history/ken_all-2026-06.zip")));
@@ -340,9 +362,7 @@ TEST_F(Update, EachProgramThatFailsInItsTurnLeavesTheOldDictionaryOrTheNewOne) {
     std::string const strNew = Dictionary();
     size_t nOld = 0;
     for (size_t n = 1; n <= whole.vCall.size(); ++n) {
-        fs::remove_all(Path(""));
-        for (auto const& [strName, strBytes] : before)
-            if (strBytes != "/") m_folder.Write("d \"ü'/" + strName, strBytes);
+        Restore(before);
         WriteFile(Path("fetched/utf_ken_all.zip"), strNext);
         std::string const strCall = whole.vCall[n - 1];
         CUpdateRun const run = Run({"--no-fetch"}, {{"QE_FAIL_AT", std::to_string(n)}});
@@ -372,9 +392,125 @@ TEST_F(Update, BackFailsWithTheEditionInPlaceWhereItWas) {
     ExpectRun();
     m_strTowns = Towns(202606, 0, 21);
     ExpectRun();
-    ExpectFailure("is not sound", {"--back"}, {{"QE_FAIL", "qeadrs-dic check"}});
-    ExpectFailure("cannot be replaced", {"--back"}, {{"QE_FAIL", "mv -f"}});
+    ExpectFailure("previous: cannot be checked", {"--back"}, {{"QE_FAIL", "qeadrs-dic check"}});
+    ExpectFailure("previous: cannot be written", {"--back"}, {{"QE_FAIL", "mv -f"}});
     ExpectFailure("no folder can be made in it", {"--back"}, {{"QE_FAIL", "mktemp -d"}});
+}
+
+// The folder's two editions are worth more than the exchange: none of them has another copy.
+TEST_F(Update, BackThatEndsBetweenTheTwoRenamingsLosesNeitherEdition) {
+    ExpectRun();
+    m_strTowns = Towns(202606, 0, 21);
+    ExpectRun();
+    auto const before = Content();
+    std::string const strOlder = before.at("qeadrs.dic.previous"), strNewer = before.at("qeadrs.dic");
+    CUpdateRun const whole = Run({"--back"});
+    ASSERT_EQ(whole.nStatus, 0) << whole.strErr;
+    std::vector<size_t> const vCallNo = whole.CallsOf("mv ");
+    ASSERT_EQ(vCallNo.size(), 2u);
+    for (size_t const nCall : vCallNo) {
+        SCOPED_TRACE(whole.vCall[nCall - 1]);
+        Restore(before);
+        ExpectFailure(nCall == vCallNo[0] ? "cannot be written" : "cannot be replaced", {"--back"},
+                      {{"QE_FAIL_AT", std::to_string(nCall)}});
+        // It waits for the end of both.
+        CUpdateRun const stopped = Run({"--back"}, At(nCall, "kill -TERM $PPID"));
+        EXPECT_EQ(stopped.nStatus, 0) << stopped.strErr;
+        EXPECT_TRUE(Dictionary() == strOlder);
+        EXPECT_TRUE(ReadFile(Path("qeadrs.dic.previous")) == strNewer);
+        // Nothing can wait when it is killed: the next run finds what was kept. (Not before the lock is free.)
+        Restore(before);
+        EXPECT_EQ(Run({"--back"}, At(nCall, "exec 9<&-; kill -KILL $PPID; exit 1")).nStatus, 1000 + SIGKILL);
+        EXPECT_TRUE(Dictionary() == strNewer);
+        ExpectRun({"--no-fetch"});
+        EXPECT_TRUE(Content() == before);
+    }
+    // Where there are no links, each copy is on the disk before it takes a name.
+    CUpdateRun const copied = Run({"--back"}, {{"QE_FAIL", "ln " + Path("qeadrs.dic.previous")}});
+    EXPECT_EQ(copied.nStatus, 0) << copied.strErr;
+    EXPECT_EQ(copied.CallsOf("cp ").size(), 1u);
+    EXPECT_EQ(copied.CallsOf("sync ").size(), 1u);
+    EXPECT_TRUE(Dictionary() == strOlder);
+}
+
+TEST_F(Update, BackWithoutADictionaryInPlaceTakesTheEditionBefore) {
+    ExpectRun();
+    std::string const strOlder = Dictionary();
+    m_strTowns = Towns(202606, 0, 21);
+    ExpectRun();
+    fs::remove(Path("qeadrs.dic"));
+    EXPECT_THAT(Run({"--back"}).strOut, EndsWith(": edition 2026-05 again\n"));
+    EXPECT_TRUE(Dictionary() == strOlder);
+    EXPECT_FALSE(fs::exists(Path("qeadrs.dic.previous")));
+}
+
+// Else an older edition would take its place without a question.
+TEST_F(Update, ADictionaryInPlaceThatCannotBeCheckedIsNotTakenForADamagedOne) {
+    m_strTowns = Towns(202606, 0, 21);
+    ExpectRun();
+    WriteFile(Path("fetched/utf_ken_all.zip"), Towns(202605, 0, 20));
+    CUpdateRun const run = Run({"--no-fetch"});
+    EXPECT_THAT(run.strErr, HasSubstr("is newer (2026-06)"));
+    size_t const nCheck = run.CallsOf("qeadrs-dic check").at(0);
+    ExpectFailure("qeadrs.dic: cannot be checked, see above", {"--no-fetch"}, At(nCheck, "kill -KILL $$"));
+    // The verdict is only one when the checker has come to its end.
+    ExpectFailure("qeadrs.dic: cannot be checked, see above", {"--no-fetch"},
+                  At(nCheck, "echo '1 against'; kill -KILL $$"));
+    // Another user's, which root can read unless he gives up that he may.
+    auto const before = Content();
+    fs::permissions(Path("qeadrs.dic"), fs::perms::none);
+    CNames vArgument = Command({"--no-fetch"});
+    if (geteuid() == 0)
+        vArgument.insert(vArgument.begin(), {"/usr/bin/setpriv", "--bounding-set=-dac_override,-dac_read_search"});
+    CUpdateRun const unread = End(StartRun(vArgument));
+    EXPECT_EQ(unread.nStatus, 1);
+    EXPECT_THAT(unread.strErr, HasSubstr("qeadrs.dic: cannot be checked, see above"));
+    fs::permissions(Path("qeadrs.dic"), fs::perms(0644));
+    EXPECT_TRUE(Content() == before);
+}
+
+TEST_F(Update, RefusesToReplaceADictionaryOfANewerFormat) {
+    ExpectRun();
+    std::string const strOlder = Dictionary();
+    m_strTowns = Towns(202606, 0, 21);
+    ExpectRun();
+    std::string strNewer = Dictionary();
+    ++strNewer[4 * size_t{HDR_VERSION}];
+    WriteFile(Path("qeadrs.dic"), strNewer);
+    m_strTowns = Towns(202607, 0, 22);
+    ExpectFailure("qeadrs.dic: is of a newer format; update qeadrs-dic", {"--accept"});
+    WriteFile(Path("qeadrs.dic"), strOlder);
+    WriteFile(Path("qeadrs.dic.previous"), strNewer);
+    ExpectFailure("qeadrs.dic.previous: is of a newer format; update qeadrs-dic", {"--back"});
+}
+
+TEST_F(Update, IsDoneAlthoughNobodyCanReadWhatItSays) {
+    CNames vArgument = Command({});
+    vArgument.insert(vArgument.begin(), {"/bin/sh", "-c", "exec \"$@\" >/dev/full", "sh"});
+    EXPECT_EQ(End(StartRun(vArgument)).nStatus, 0);
+    EXPECT_THAT(Run().strOut, EndsWith("nothing has changed\n"));
+    // A reader that has gone.
+    m_strTowns = Towns(202606, 0, 21);
+    CPipe pipe;
+    pipe.hRead = CHandle();
+    CHandle const hNull(open("/dev/null", O_RDWR));
+    EXPECT_EQ(Wait(Start(Command({}), Environment(), m_folder.Path(""), -1, pipe.hWrite, hNull)), 0);
+    EXPECT_THAT(Run().strOut, EndsWith(": edition 2026-06; nothing has changed\n"));
+}
+
+// A name without bytes behind it, as after a power cut, would stop every update to come.
+TEST_F(Update, ATableOfTheHistoryIsOnTheDiskBeforeItHasItsName) {
+    CUpdateRun const run = Run();
+    EXPECT_EQ(run.nStatus, 0) << run.strErr;
+    size_t const nSync = run.CallsOf("sync ").at(0), nCopy = run.CallsOf("cp ").at(0),
+                 nMove = run.CallsOf("mv ").at(0);
+    EXPECT_THAT(run.vCall[nSync - 1], EndsWith("/towns.zip"));
+    EXPECT_THAT(run.vCall[nMove - 1], EndsWith("/history/ken_all-2026-05.zip"));
+    EXPECT_TRUE(nCopy < nSync && nSync < nMove) << nCopy << ' ' << nSync << ' ' << nMove;
+    m_strTowns = Towns(202606, 0, 21);
+    WriteFile(Path("history/ken_all-2026-05.zip"), "");
+    ExpectFailure(": the tables in fetched or history cannot be compiled, see above");
+    EXPECT_THAT(Run().strErr, HasSubstr("/history/ken_all-2026-05.zip: is "));
 }
 
 TEST_F(Update, AFullDiskLeavesTheDictionary) {
@@ -386,7 +522,7 @@ TEST_F(Update, AFullDiskLeavesTheDictionary) {
     CUpdateRun const run = End(StartRun(vArgument));
     EXPECT_EQ(run.nStatus, 1);
     EXPECT_THAT(run.strErr,
-                AllOf(HasSubstr("cannot be written"), HasSubstr("the tables cannot be compiled, see above")));
+                AllOf(HasSubstr("cannot be written"), HasSubstr("history cannot be compiled, see above")));
     EXPECT_TRUE(Content() == before);
 }
 
@@ -400,6 +536,11 @@ TEST_F(Update, ASecondRunInTheSameFolderIsRefusedAndTheFirstGoesOn) {
     CUpdateRun const first = End(nFirst);
     EXPECT_EQ(first.nStatus, 0) << first.strErr;
     EXPECT_THAT(Content(), Contains(Key("qeadrs.dic")));
+}
+
+TEST_F(Update, AFolderThatCannotBeLockedIsNotTakenForABusyOne) {
+    ExpectRun();
+    ExpectFailure(": cannot be locked, see above", {}, {{"QE_FAIL", "flock -n"}});
 }
 
 TEST_F(Update, WhatAKilledRunLeavesGoesWithTheNext) {
