@@ -2,6 +2,7 @@
 # check.sh - installs, builds and tests everything: release, i386 and the sanitizers, formatting, cppcheck, the documents,
 # the packages, and the whole national data when they are there (QEADRS_SOURCE, else ../shared/japanpost).
 set -eu
+CALLER=$PWD
 cd "$(dirname "$0")"
 . scripts/packages.sh
 
@@ -19,7 +20,7 @@ case " $PRESETS " in
     ;;
 esac
 
-SOURCE=${QEADRS_SOURCE:-}
+SOURCE=${QEADRS_SOURCE:+$(absolute "$QEADRS_SOURCE")}
 [ -n "$SOURCE" ] || [ ! -f ../shared/japanpost/utf_ken_all.zip ] || SOURCE=$(cd ../shared/japanpost && pwd)
 
 # configure PRESET DATA_FOLDER
@@ -54,12 +55,12 @@ for preset in $PRESETS; do
     say "$preset: testing"
     ctest --preset "$preset" -j "$JOBS"
 done
-case " $PRESETS " in
-*" release "*" i386 "*)
+has_preset() { case " $PRESETS " in *" $1 "*) ;; *) return 1 ;; esac; }
+if has_preset release && has_preset i386; then
     say "packages of both word sizes: lintian, unpacking, hosts compiled against them"
     tests/packages-test.sh build/release build/i386 .
     PACKAGED=", the packages"
-    ;;
-*) say "packages: NOT tested, they need the presets release and i386" ;;
-esac
+else
+    say "packages: NOT tested, they need the presets release and i386"
+fi
 say "all checks passed: $PRESETS${PACKAGED:-}${TEST_DATA:+, with the whole national data in release and i386}"

@@ -6,9 +6,12 @@
 #   QEADRS_SOURCE=DIR   folder with utf_ken_all.zip (or ken_all.zip, or their CSV) and jigyosyo.zip (or JIGYOSYO.CSV)
 #   QEADRS_HOME=DIR     where the dictionary and fetched files live (default ~/.local/share/qeadrs)
 set -eu
+CALLER=$PWD
 cd "$(dirname "$0")"
 . scripts/packages.sh
 
+[ -z "${QEADRS_SOURCE:-}" ] || QEADRS_SOURCE=$(absolute "$QEADRS_SOURCE")
+[ -z "${QEADRS_HOME:-}" ] || QEADRS_HOME=$(absolute "$QEADRS_HOME")
 HOME_DIR=${QEADRS_HOME:-${XDG_DATA_HOME:-$HOME/.local/share}/qeadrs}
 FETCHED=$HOME_DIR/fetched
 DICTIONARY=$HOME_DIR/qeadrs.dic
@@ -115,7 +118,8 @@ write_profile
 EDITION=$("$BIN/qeadrs-dic" info "$DICTIONARY" | sed -n 's/^edition *//p')
 say "dictionary: $DICTIONARY - $WHAT; edition: $EDITION; it lacks: $LACKS."
 case $WHAT in
-official*) echo "    Next month's edition: rm -rf $FETCHED; ./quickstart.sh   (published at $DOWNLOAD_PAGE)" ;;
+official*) echo "    Next month's edition: PATH=$PWD/$BIN:\$PATH packaging/update/qeadrs-update -d $HOME_DIR
+    (published at $DOWNLOAD_PAGE)" ;;
 *) echo "    The official edition: get utf_ken_all.zip and jigyosyo.zip from $DOWNLOAD_PAGE
     into a folder DIR, or with $BIN/qeadrs-dic fetch -d DIR, then QEADRS_SOURCE=DIR ./quickstart.sh" ;;
 esac

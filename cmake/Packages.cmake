@@ -1,11 +1,14 @@
 # Debian packages: the target `packages` makes them in the folder of that name, libqeadrs1, libqeadrs-dev and
-# qeadrs-tools in a build folder of the release preset, the first two in one of the i386 preset. The same tree and
-# compiler make the same bytes. What stands in them is installed by the folders themselves, one component for each
+# qeadrs-tools in a build folder of the release preset, the first two in one of the i386 preset. The same build makes
+# the same bytes again. What stands in them is installed by the folders themselves, one component for each
 # package; packaging/debian/ has what only Debian asks for, put in by Stage.cmake.
 set(QEADRS_MAINTAINER "The qeadrs maintainers <maintainers@qeadrs.example>"
     CACHE STRING "Maintainer of the Debian packages")
 find_program(DPKG_PARSECHANGELOG dpkg-parsechangelog)
-if(NOT DPKG_PARSECHANGELOG)
+if(NOT DPKG_PARSECHANGELOG OR NOT TARGET man)
+    add_custom_target(packages
+        COMMAND ${CMAKE_COMMAND} -E echo "The target packages needs dpkg-dev, and scdoc for the man pages."
+        COMMAND false VERBATIM)
     return()
 endif()
 

@@ -11,6 +11,8 @@ PACKAGES_CHECK="abigail-tools binutils clang-format-14 cppcheck doxygen dpkg-dev
 PACKAGES_I386="libgmock-dev:i386 libgtest-dev:i386 libinih-dev:i386 libstdc++6:i386 libutf8proc-dev:i386"
 
 say() { printf '\n==> %s\n' "$*"; }
+# A path as the user means it, from the folder that the script was called in: CALLER.
+absolute() { case $1 in /*) printf '%s\n' "$1" ;; *) printf '%s\n' "$CALLER/$1" ;; esac; }
 fail() { printf '\nERROR: %s\n' "$*" >&2; exit 1; }
 
 as_root() {

@@ -34,8 +34,10 @@ END
 diff "$work/expected" "$work/names" || fail "other packages"
 
 # The same input once more, in another folder.
-(umask 022 && cpack --config "$i386/CPackConfig.cmake" -B "$work/again") >"$work/log" 2>&1 ||
-    { cat "$work/log"; fail "no packages a second time"; }
+for build in "$release" "$i386"; do
+    (umask 022 && cpack --config "$build/CPackConfig.cmake" -B "$work/again") >"$work/log" 2>&1 ||
+        { cat "$work/log"; fail "no packages a second time"; }
+done
 for deb in "$work"/again/*.deb; do
     cmp "$deb" "$work/debs/$(basename "$deb")" || fail "made twice, not the same"
 done
@@ -58,6 +60,7 @@ dic/Addr.h
 dic/AddrDic.h
 dic/AddrNode.h
 dic/Export.h
+dic/ImageHeader.h
 platform/Win32Compat.h
 tree/AddrPnt.h
 tree/DispTree.h
@@ -79,6 +82,8 @@ for triplet in amd64:x86_64-linux-gnu i386:i386-linux-gnu; do
         dpkg-deb -f "$work/debs/libqeadrs1_${version}_$arch.deb" Depends | grep -qF "$field (>= " ||
             fail "$arch: no dependency on $field"
     done
+    ! dpkg-deb -f "$work/debs/libqeadrs1_${version}_$arch.deb" Depends | grep -q libinih ||
+        fail "$arch: inih is not linked statically"
     for deb in "$work"/debs/lib*_"$arch".deb; do
         [ "$(dpkg-deb -f "$deb" Multi-Arch)" = same ] || fail "$deb is not Multi-Arch: same"
     done
