@@ -55,7 +55,8 @@ struct tagADDR {
     }
 
     // Conventional order: prefecture code, prefecture, class letter (when nCityOrder asks for it), city, town, area,
-    // organisation, compared as one text by its bytes. Prefectures that pref_order lacks come last.
+    // organisation, compared as one text by its bytes. Prefectures that pref_order lacks come last. The library does not
+    // export it: hosts that want sorted answers set SORT_ADDR.
     bool operator<(tagADDR const& other) const;
 
   private:
