@@ -12,7 +12,7 @@
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef QEADRS_SANITIZED                         // the program is; the test itself is not
 constexpr size_t LARGE = 20'000, SMALL = 2'000; // and no limits: a sanitizer's own memory grows
 constexpr bool HAS_LIMITS = false;
 #else
