@@ -119,7 +119,7 @@ void PrintBashCommand(std::ostream& out, CCommandEntry const& command) {
 
 // --- zsh -----------------------------------------------------------------------------------------------------------
 
-// A text between the brackets of a specification.
+// A text between the brackets that zsh has behind an option.
 std::string ZshText(std::string const& strText) {
     std::string strEscaped;
     for (char const c : strText) {
