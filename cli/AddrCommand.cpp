@@ -17,13 +17,6 @@ namespace {
 // Positions in an organisation's name are counted in 16 bits while blanks are removed from it.
 constexpr size_t OFFICE_LENGTH = 65000;
 
-// The nodes of the place that an address was found to be.
-struct CPlace {
-    tagADDRNODE const* pPref;
-    tagADDRNODE const* pCity;
-    tagADDRNODE const* pTown;
-};
-
 class CAddrCommand : public CCommand {
   public:
     CAddrCommand(CAddrOptions const& options, CCommonOptions const& common)
@@ -59,47 +52,25 @@ class CAddrCommand : public CCommand {
             return ReportNotFound(strAddress, strLevels.empty() ? "" : "recognised: " + strLevels);
         }
         bool const bOwnCode = codes->strCode == Dictionary().Text(addr.pszPostCode); // not an organisation's
-        CPlace const place = FindPlace(addr);
+        CFoundPlace const place = FindPlace(Dictionary().Dic(), addr);
         CRow row = {codes->strCode,    codes->strOldCode, Name(place.pPref),
                     Name(place.pCity), Name(place.pTown), addr.pszArea};
         if (m_options.strOffice) row.push_back(bOwnCode ? "" : FindOffice(*codes, addr));
         if (m_options.bKana) row.insert(row.end(), {Kana(place.pPref), Kana(place.pCity), Kana(place.pTown)});
         Print(std::move(row));
-        if (bOwnCode) RemarkPlace(strAddress, addr, place);
+        std::string const strDoubt = bOwnCode ? DescribeDoubt(Dictionary().Dic(), addr) : "";
+        if (!strDoubt.empty()) Remark(strAddress, strDoubt);
         if (bOwnCode && !m_strOffice.empty()) RemarkOffice(strAddress, addr);
     }
 
     // --- levels ------------------------------------------------------------------------------------------------
 
-    // A level that the text leaves out is the one above the level that it names. That of a town found without its
-    // city holds against a prefecture that the text names: the code is the town's, wherever it lies.
-    CPlace FindPlace(tagADDR const& addr) {
-        tagADDRNODE const* const pCity = addr.pCityNode != nullptr ? addr.pCityNode : Parent(addr.pTownNode);
-        tagADDRNODE const* const pPref = pCity != nullptr ? Parent(pCity) : addr.pPrefNode;
-        return {pPref, pCity, addr.pTownNode};
-    }
-
-    tagADDRNODE const* Parent(tagADDRNODE const* pNode) {
-        return pNode == nullptr ? nullptr : Dictionary().Class().GetAddrNode(pNode->nParent);
-    }
-
-    std::string Name(tagADDRNODE const* pNode) {
-        return pNode == nullptr ? "" : Dictionary().Text(Dictionary().Class().GetString(pNode->nName));
-    }
+    std::string Name(tagADDRNODE const* pNode) { return std::string(NameOf(Dictionary().Dic(), pNode)); }
 
     // The reading stands right behind the name's NUL.
     std::string Kana(tagADDRNODE const* pNode) {
         if (pNode == nullptr) return "";
         return Dictionary().Text(Dictionary().Class().GetString(pNode->nName + Name(pNode).size() + 1));
-    }
-
-    // Codes that may well be another place's than meant.
-    void RemarkPlace(std::string const& strAddress, tagADDR const& addr, CPlace const& place) {
-        if (addr.pTownNode == nullptr) return;
-        if (addr.pCityNode == nullptr)
-            Remark(strAddress, "no city recognised; this is the first town of the dictionary that the text names");
-        else if (Dictionary().Class().GetAddrInfo(addr.pTownNode->nInfo) == nullptr)
-            Remark(strAddress, Clean(Name(place.pTown)) + " has codes for its parts only; this one is the city's");
     }
 
     // --- organisation ------------------------------------------------------------------------------------------

@@ -2,6 +2,7 @@
 #include "cli/Address.h"
 
 #include "cli/Failure.h"
+#include "cli/Text.h"
 
 #include <algorithm>
 #include <utility>
@@ -88,6 +89,28 @@ std::string DescribeLevels(qeadrs::CRecord const& record) {
             strLevels += (strLevels.empty() ? "" : ", ") + (FIELDS[nColumn].pszKey + (' ' + strName));
     }
     return strLevels;
+}
+
+CFoundPlace FindPlace(qeadrs::CDictionary const& dictionary, tagADDR const& addr) {
+    auto const Parent = [&dictionary](tagADDRNODE const* pNode) {
+        return pNode == nullptr ? nullptr : dictionary.Class().GetAddrNode(pNode->nParent);
+    };
+    tagADDRNODE const* const pCity = addr.pCityNode != nullptr ? addr.pCityNode : Parent(addr.pTownNode);
+    tagADDRNODE const* const pPref = pCity != nullptr ? Parent(pCity) : addr.pPrefNode;
+    return {pPref, pCity, addr.pTownNode};
+}
+
+std::string_view NameOf(qeadrs::CDictionary const& dictionary, tagADDRNODE const* pNode) {
+    if (pNode == nullptr) return {};
+    return dictionary.File().Text(dictionary.Class().GetString(pNode->nName));
+}
+
+std::string DescribeDoubt(qeadrs::CDictionary const& dictionary, tagADDR const& addr) {
+    if (addr.pTownNode == nullptr) return "";
+    if (addr.pCityNode == nullptr)
+        return "no city recognised; this is the first town of the dictionary that the text names";
+    if (dictionary.Class().GetAddrInfo(addr.pTownNode->nInfo) != nullptr) return "";
+    return Clean(NameOf(dictionary, addr.pTownNode)) + " has codes for its parts only; this one is the city's";
 }
 
 } // namespace qe

@@ -8,6 +8,7 @@
 
 #include <limits>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace qe {
@@ -52,6 +53,22 @@ CAddresses JoinAnswers(qeadrs::CResult<qeadrs::CAddresses> answer, qeadrs::CReco
 
 // The levels that were read from an address text, for a remark: "prefecture 東京都, city 千代田区"; "" for none.
 std::string DescribeLevels(qeadrs::CRecord const& record);
+
+// The place that an address was found to be; null where there is no such level. A level that the text leaves out is the
+// one above the level that it names. That of a town found without its city holds against a prefecture that the text
+// names: the code is the town's, wherever it lies.
+struct CFoundPlace {
+    tagADDRNODE const* pPref;
+    tagADDRNODE const* pCity;
+    tagADDRNODE const* pTown;
+};
+CFoundPlace FindPlace(qeadrs::CDictionary const& dictionary, tagADDR const& addr);
+
+// The name of a node, "" for null.
+std::string_view NameOf(qeadrs::CDictionary const& dictionary, tagADDRNODE const* pNode);
+
+// Why the code may well be another place's than meant; "" when nothing speaks for that.
+std::string DescribeDoubt(qeadrs::CDictionary const& dictionary, tagADDR const& addr);
 
 } // namespace qe
 

@@ -90,14 +90,12 @@ bool CBatchAnswerer::AnswerAddress(std::string_view strAddress, CRow& row) {
     qeadrs::CRecords const records = m_dictionary.Separate(strAddress);
     qeadrs::CRecord const record = records[0];
     if (records.empty() || records.Class()[0].pszPostCode == nullptr) return Refuse(row, NotFound(record));
-    // A level that the text leaves out is the one above the level that it names. That of a town found without its
-    // city holds against a prefecture that the text names: the code is the town's, wherever it lies.
     tagADDR const& addr = records.Class()[0];
-    tagADDRNODE const* const pCity = addr.pCityNode != nullptr ? addr.pCityNode : ParentOf(addr.pTownNode);
-    tagADDRNODE const* const pPref = pCity != nullptr ? ParentOf(pCity) : addr.pPrefNode;
-    Fill(row,
-         {record.strCode, record.strOldCode, NameOf(pPref), NameOf(pCity), NameOf(addr.pTownNode), record.strArea});
-    row.back() = std::string(FOUND) + RemarkPlace(addr);
+    CFoundPlace const place = FindPlace(m_dictionary, addr);
+    Fill(row, {record.strCode, record.strOldCode, NameOf(m_dictionary, place.pPref),
+               NameOf(m_dictionary, place.pCity), NameOf(m_dictionary, place.pTown), record.strArea});
+    std::string const strDoubt = DescribeDoubt(m_dictionary, addr);
+    row.back() = std::string(FOUND) + (strDoubt.empty() ? "" : "; ") + strDoubt;
     return true;
 }
 
@@ -116,24 +114,6 @@ bool CBatchAnswerer::AnswerLatest(std::string_view strAddress, CRow& row) {
     Fill(row, {strLatest, latest.strCode, latest.strOldCode, bSame ? "no" : "yes", now[0].strCode});
     row.back().assign(FOUND);
     return true;
-}
-
-std::string_view CBatchAnswerer::NameOf(tagADDRNODE const* pNode) const {
-    return pNode == nullptr ? std::string_view()
-                            : m_dictionary.File().Text(m_dictionary.Class().GetString(pNode->nName));
-}
-
-tagADDRNODE const* CBatchAnswerer::ParentOf(tagADDRNODE const* pNode) const {
-    return pNode == nullptr ? nullptr : m_dictionary.Class().GetAddrNode(pNode->nParent);
-}
-
-// A code that may well be another place's than meant.
-std::string CBatchAnswerer::RemarkPlace(tagADDR const& addr) const {
-    if (addr.pTownNode == nullptr) return "";
-    if (addr.pCityNode == nullptr)
-        return "; no city recognised; this is the first town of the dictionary that the text names";
-    if (m_dictionary.Class().GetAddrInfo(addr.pTownNode->nInfo) != nullptr) return "";
-    return "; " + Clean(NameOf(addr.pTownNode)) + " has codes for its parts only; this one is the city's";
 }
 
 } // namespace qe

@@ -37,10 +37,6 @@ class CBatchAnswerer {
     bool AnswerAddress(std::string_view strAddress, CRow& row);
     bool AnswerLatest(std::string_view strAddress, CRow& row);
 
-    std::string_view NameOf(tagADDRNODE const* pNode) const;
-    tagADDRNODE const* ParentOf(tagADDRNODE const* pNode) const;
-    std::string RemarkPlace(tagADDR const& addr) const;
-
     EBatchOp m_nOp;
     qeadrs::CDictionary m_dictionary;
 };
