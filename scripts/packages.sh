@@ -6,7 +6,7 @@ PACKAGES_BUILD="ca-certificates cmake g++ libcli11-dev libcurl4-openssl-dev libi
     libzip-dev make ninja-build nlohmann-json3-dev pkg-config"
 # What the tests need besides.
 PACKAGES_CHECK="abigail-tools binutils clang-format-14 cppcheck doxygen dpkg-dev file fish g++-multilib git groff-base
-    libbenchmark-dev libgmock-dev libgtest-dev libsqlite3-dev libutf8proc-dev lintian man-db scdoc skkdic-extra unzip zsh"
+    libbenchmark-dev libgmock-dev libgtest-dev libsqlite3-dev libutf8proc-dev lintian man-db scdoc skkdic-extra unicode-data unzip zsh"
 # Of the foreign architecture: for the 32-bit platform layer, its tests and its packages.
 PACKAGES_I386="libgmock-dev:i386 libgtest-dev:i386 libinih-dev:i386 libstdc++6:i386 libutf8proc-dev:i386"
 
