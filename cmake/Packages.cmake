@@ -80,11 +80,13 @@ qe_package(runtime libqeadrs1 "libs${QE_MULTIARCH}" "Japanese postal addresses f
 "libqeadrs answers questions about Japanese postal addresses from one read-only,
 memory-mapped dictionary: the addresses of a postal code, the postal code of an
 address, its latest form, the lists of prefectures, cities and towns, and the
-candidates for a code or an address that is typed in part.
+candidates for a code or an address that is typed in part. libqetext reads
+addresses as people write them, whatever they leave out and however they spell
+it, and finds the place in the same dictionary.
 .
-This package has the library, the platform functions that it imports, and the
-profile that says where the dictionary is. The dictionary itself is compiled
-from the official tables of Japan Post with the package qeadrs-tools.")
+This package has both libraries, the platform functions that they import, and
+the profile that says where the dictionary is. The dictionary itself is
+compiled from the official tables of Japan Post with the package qeadrs-tools.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SUGGESTS qeadrs-tools)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
@@ -95,9 +97,10 @@ qe_package(development libqeadrs-dev "libdevel${QE_MULTIARCH}"
 "libqeadrs answers questions about Japanese postal addresses from one read-only,
 memory-mapped dictionary.
 .
-This package has the headers for C and C++, the static library, the files by
-which pkg-config and CMake find both, the description of the interfaces and of
-the dictionary's format, and example programs.")
+This package has the headers for C and C++ of libqeadrs and libqetext, both as
+static libraries, the files by which pkg-config and CMake find them, the
+description of the interfaces and of the dictionary's format, and example
+programs.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libqeadrs1 (= ${QE_DEBIAN_Version})")
 
 qe_package(tools qeadrs-tools utils "Japanese postal addresses from one dictionary - tools"
@@ -118,7 +121,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY
 
 include(CPack)
 
-set(QE_PACKAGED qeadrs qeadrs_static qewin qeprof)
+set(QE_PACKAGED qeadrs qeadrs_static qetext qetext_static qewin qeprof)
 foreach(target qeadrs-cli qeadrs-dic qeadrs-completions qeadrs-dic-completions man)
     if(TARGET ${target})
         list(APPEND QE_PACKAGED ${target})

@@ -119,6 +119,15 @@ function declares(    i) {
 
 FNR == 1 { first = 1 }
 
+# C's own comments count as the others.
+within_c || /^[^#]*\/\*/ {
+    if (!within_c) sub(/\/\*/, "//")
+    else if (/^ *\*\/$/) $0 = ""
+    else sub(/^ *\*?/, "//")
+    within_c = $0 != "" && $0 !~ /\*\/$/
+    sub(/ *\*\/$/, "")
+}
+
 # A block of comments where declarations stand.
 /^ *\/\// && declares() && statement == "" {
     if (!reading) { lines = 0; reading = 1 }

@@ -36,19 +36,30 @@ esac
 # Programs of one's own, from the installed headers and libraries alone: every header by itself, one host with the
 # shared library, one with the static one.
 lib=$(dirname "$(find "$moved" -name libqeadrs.so)")
-flags() { PKG_CONFIG_LIBDIR=$lib/pkgconfig pkg-config "$@" qeadrs; }
+flags() { PKG_CONFIG_LIBDIR=$lib/pkgconfig pkg-config "$@"; }
 # shellcheck disable=SC2046  # flags are words
 for header in dic/AddrDic.h dic/Addr.h dic/AddrNode.h dic/Export.h dic/ImageHeader.h tree/AddrPnt.h tree/DispTree.h \
-    api/Pstexec.h api/ga_legacy.h api/qeadrs.hpp platform/Win32Compat.h; do
-    echo "#include \"$header\"" | c++ -std=c++17 -fsyntax-only $(flags --cflags) -x c++ - ||
+    api/Pstexec.h api/ga_legacy.h api/qeadrs.hpp platform/Win32Compat.h text/qetext.h text/AddressText.h; do
+    echo "#include \"$header\"" | c++ -std=c++17 -fsyntax-only $(flags --cflags qeadrs) -x c++ - ||
         { echo "$header"; exit 1; }
 done
 # shellcheck disable=SC2046
-cc -std=c99 "$source/examples/pstexec.c" $(flags --cflags --libs) -Wl,-rpath,"$lib" -o "$prefix/pstexec"
+echo '#include "text/qetext.h"' | cc -std=c99 -pedantic-errors -fsyntax-only $(flags --cflags qetext) -x c -
 # shellcheck disable=SC2046
-cc -std=c99 $(flags --cflags) "$source/examples/legacy.c" "$lib/libqeadrs.a" -L"$lib" -lqewin -lstdc++ \
+cc -std=c99 "$source/examples/pstexec.c" $(flags --cflags --libs qeadrs) -Wl,-rpath,"$lib" -o "$prefix/pstexec"
+# shellcheck disable=SC2046
+cc -std=c99 $(flags --cflags qeadrs) "$source/examples/legacy.c" "$lib/libqeadrs.a" -L"$lib" -lqewin -lstdc++ \
     -Wl,-rpath,"$lib" -o "$prefix/legacy"
 readelf -d "$prefix/legacy" | grep -q 'libqeadrs' && { echo "not linked with the static library"; exit 1; }
 QE_PROFILE=$prefix/qe.ini "$prefix/pstexec" 100-0001 | grep -q '千代田区' || { echo "no answer of pstexec"; exit 1; }
 "$prefix/legacy" "$prefix/qeadrs.dic" 100-0001 | grep -q '千代田区' || { echo "no answer of legacy"; exit 1; }
+# shellcheck disable=SC2046
+cc -std=c99 "$source/examples/written.c" $(flags --cflags --libs qetext) -Wl,-rpath,"$lib" -o "$prefix/written"
+# shellcheck disable=SC2046
+c++ -std=c++17 $(flags --cflags qetext) "$source/examples/spelled.cpp" "$lib/libqetext.a" "$lib/libqeadrs.a" -L"$lib" \
+    -lqewin -Wl,-rpath,"$lib" -o "$prefix/spelled"
+readelf -d "$prefix/spelled" | grep -q 'libqetext\|libqeadrs' && { echo "spelled: not static"; exit 1; }
+"$prefix/written" "$prefix/qeadrs.dic" 余市町黒川町1-2 | grep -q '余市郡余市町' || { echo "no answer of written"; exit 1; }
+echo 余市町黒川町1-2 | "$prefix/spelled" "$prefix/qeadrs.dic" | grep -q '^0460003 北海道余市郡余市町黒川町1-2$' ||
+    { echo "no answer of spelled"; exit 1; }
 echo "installed and answered: $answer"

@@ -44,6 +44,10 @@ enable_language(CXX)
 set(CMAKE_CXX_STANDARD 17)
 add_executable(lookup ${EXAMPLES}/lookup.cpp)
 target_link_libraries(lookup PRIVATE qeadrs::static)
+add_executable(written ${EXAMPLES}/written.c)
+target_link_libraries(written PRIVATE qeadrs::text)
+add_executable(spelled ${EXAMPLES}/spelled.cpp)
+target_link_libraries(spelled PRIVATE qeadrs::text_static)
 END
 for size in 64 32; do
     triplet=x86_64-linux-gnu
@@ -51,8 +55,10 @@ for size in 64 32; do
     made=$work/$size
     mkdir "$made"
     flags=$(PKG_CONFIG_LIBDIR=$prefix/lib/$triplet/pkgconfig pkg-config --cflags --libs qeadrs)
+    text_flags=$(PKG_CONFIG_LIBDIR=$prefix/lib/$triplet/pkgconfig pkg-config --cflags --libs qetext)
     # shellcheck disable=SC2086  # flags are words
     {
+        cc -m$size -std=c99 "$source/examples/written.c" $text_flags -o "$made/written"
         cc -m$size -std=c99 "$source/examples/pstexec.c" $flags -o "$made/pstexec"
         cc -m$size -std=c99 "$source/examples/legacy.c" $flags -o "$made/legacy"
         c++ -m$size -std=c++17 "$source/examples/towns.cpp" $flags -o "$made/towns"
@@ -69,6 +75,11 @@ for size in 64 32; do
         run $triplet "$program/pstexec" 100-0001 | grep -q '千代田区' || fail "no answer of $program/pstexec"
         run $triplet "$program/legacy" "$folder/qeadrs.dic" 100-0001 | grep -q '千代田区' ||
             fail "no answer of $program/legacy"
+        run $triplet "$program/written" "$folder/qeadrs.dic" 余市町黒川町1-2 | grep -q '余市郡余市町' ||
+            fail "no answer of $program/written"
     done
+    ! readelf -d "$made/cmake/spelled" | grep -q 'libqetext\|libqeadrs' || fail "spelled is not static, $size bit"
+    echo 余市町黒川町1-2 | run $triplet "$made/cmake/spelled" "$folder/qeadrs.dic" |
+        grep -q '^0460003 北海道余市郡余市町黒川町1-2$' || fail "no answer of spelled, $size bit"
     echo "$size bit: the examples, compiled with pkg-config and with CMake, answer"
 done

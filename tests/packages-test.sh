@@ -62,6 +62,8 @@ dic/AddrNode.h
 dic/Export.h
 dic/ImageHeader.h
 platform/Win32Compat.h
+text/AddressText.h
+text/qetext.h
 tree/AddrPnt.h
 tree/DispTree.h
 END
@@ -70,12 +72,14 @@ for triplet in amd64:x86_64-linux-gnu i386:i386-linux-gnu; do
     lib=/usr/lib/${triplet#*:}
     has "libqeadrs1_${version}_$arch.deb" /etc/qe.ini "$lib/libqeadrs.so.${version%-*}" "$lib/libqewin.so" \
         "$lib/libqeprof.so" "$lib/libqeadrs.so.${version%%.*} -> libqeadrs.so.${version%-*}" \
+        "$lib/libqetext.so.${version%-*}" "$lib/libqetext.so.${version%%.*} -> libqetext.so.${version%-*}" \
         /usr/share/man/man5/qe.ini.5.gz
     has "libqeadrs-dev_${version}_$arch.deb" "$lib/libqeadrs.so -> libqeadrs.so.${version%%.*}" "$lib/libqeadrs.a" \
-        "$lib/pkgconfig/qeadrs.pc" "$lib/cmake/qeadrs/qeadrsConfig.cmake" \
+        "$lib/libqetext.so -> libqetext.so.${version%%.*}" "$lib/libqetext.a" \
+        "$lib/pkgconfig/qeadrs.pc" "$lib/pkgconfig/qetext.pc" "$lib/cmake/qeadrs/qeadrsConfig.cmake" \
         "$lib/cmake/qeadrs/qeadrsConfigVersion.cmake" "$lib/cmake/qeadrs/qeadrsTargets.cmake" \
         /usr/share/man/man3/libqeadrs.3.gz /usr/share/doc/libqeadrs-dev/format.md \
-        /usr/share/doc/libqeadrs-dev/examples/pstexec.c
+        /usr/share/doc/libqeadrs-dev/examples/pstexec.c /usr/share/doc/libqeadrs-dev/examples/written.c
     sed -n 's|^/usr/include/qeadrs/||p' "$work/contents" | diff "$work/headers" - || fail "$arch: other headers"
     dpkg-deb -I "$work/debs/libqeadrs1_${version}_$arch.deb" conffiles | grep -qFx /etc/qe.ini || fail "no conffile"
     for field in libc6 libstdc++6 libgcc-s1; do

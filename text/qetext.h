@@ -1,10 +1,17 @@
-/* qetext.h - addresses as people write them, read with a dictionary: the records and numbers of an answer.
+/* qetext.h - addresses as people write them, read with a dictionary: the C interface and the records of both.
+ *
+ *   QETEXT* pText = QeTextOpen("/var/lib/qeadrs/qeadrs.dic", NULL);
+ *   QETEXTREADING reading;
+ *   if (QeTextRead(pText, psz, strlen(psz), 0, &reading) == QETEXT_OK && reading.nSureness >= QETEXT_SUPPLIED)
+ *       puts(reading.place.pszPostCode);           // "札幌市中央区大通西２５丁目": 0640820
+ *   QeTextClose(pText);
  *
  * Texts     UTF-8 of any length; bytes that are none match no name. What is not understood stays as it is: no answer holds
  *           a name that the text does not support.
- * Lifetime  Texts of an answer lead into the dictionary, and live as long as its image; candidates lead into the reader, and
- *           live until its next call. A reader never changes the dictionary.
+ * Lifetime  Texts of an answer lead into the dictionary, and live until QeTextClose or, with QeTextOpenImage, as long as the
+ *           image; candidates lead into the reader, and live until its next call. A reader never changes the dictionary.
  * Threads   One reader, one thread at a time. Readers over the same dictionary are independent.
+ * Failure   A call says what went wrong (QETEXT_xxx); nothing is thrown across it.
  */
 #ifndef QEADRS_TEXT_QETEXT_H
 #define QEADRS_TEXT_QETEXT_H
@@ -21,6 +28,15 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/* What a call returns. */
+enum {
+    QETEXT_OK = 0,
+    QETEXT_ERR_ARGUMENT = 1, /* a null pointer where none may be */
+    QETEXT_ERR_FILE = 2,     /* the file cannot be opened; errno says why */
+    QETEXT_ERR_FORMAT = 3,   /* not a dictionary, of a format that we do not know, or cut short */
+    QETEXT_ERR_MEMORY = 4
+};
 
 /* How sure an answer is (nSureness); from QETEXT_SUPPLIED on the place is the only one that the text can mean, with the
  * code in front of it when that decided (QETEXT_CODE_DECIDED; then the others are candidates still). */
@@ -122,6 +138,36 @@ typedef struct tagQETEXTREADING {
     QETEXTPLACE const* pCandidate; /* all places that the text can mean, `place` first; valid until the next call */
     size_t nCandidate;             /* at least one whenever there is a city */
 } QETEXTREADING;
+
+typedef struct tagQETEXT QETEXT;
+
+/* The version of the foldings, which a dictionary's index has to agree with. */
+QETEXT_API uint32_t QeTextFoldingVersion(void);
+
+/* Maps a dictionary file. Null on failure; *pnError, unless null, is then one of QETEXT_ERR_xxx. The caller closes it. */
+QETEXT_API QETEXT* QeTextOpen(char const* pszFile, int* pnError);
+
+/* A reader over a dictionary that the caller has mapped, and keeps mapped until it is closed. REQUIRES: a well-formed
+ * image, aligned to four bytes. */
+QETEXT_API QETEXT* QeTextOpenImage(void const* pImage, int* pnError);
+
+/* Null is ignored. */
+QETEXT_API void QeTextClose(QETEXT* pText);
+
+/* Reads one text into *pReading. QETEXT_OK whatever was found; QETEXT_ERR_ARGUMENT for null, QETEXT_ERR_MEMORY (the
+ * record is then empty). */
+QETEXT_API int QeTextRead(QETEXT* pText, char const* pText8, size_t nSize, uint32_t nOptions,
+                          QETEXTREADING* pReading);
+
+/* Reads nCount independent texts, quicker than one by one. */
+QETEXT_API int QeTextReadBatch(QETEXT* pText, char const* const* ppText8, size_t const* pnSize, size_t nCount,
+                               uint32_t nOptions, QETEXTREADING* pReading);
+
+/* Writes the address in the spelling of the dictionary, the rest as it is written, as the engine's own interfaces take
+ * it: prefecture, city, town, rest, and a NUL. Returns its length in bytes without the NUL, 0 for null and where no
+ * city was found; nothing is written when it does not fit into nBuffer bytes. A street of Kyoto is left out: the
+ * engine finds no town behind one. REQUIRES: the reading is of this text. */
+QETEXT_API size_t QeTextCanonical(QETEXTREADING const* pReading, char const* pText8, char* pBuffer, size_t nBuffer);
 
 #ifdef __cplusplus
 }

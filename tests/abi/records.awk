@@ -1,4 +1,4 @@
-# The layout of the records that hosts share with the library, out of what abidw writes:
+# The layout of the records that hosts share with the library, whose names `ours` matches, out of what abidw writes:
 #
 #   tagADDRINFO  8 bytes
 #       0 nCode
@@ -9,7 +9,7 @@ function value(name,    from) {
     return substr($0, from, RSTART + RLENGTH - 1 - from)
 }
 /<class-decl / {
-    inside = value("name") ~ /^(CAddrDic|tag[A-Z]+|GA_[A-Z]+)$/ && value("size-in-bits") != ""
+    inside = value("name") ~ "^(" ours ")$" && value("size-in-bits") != ""
     if (inside) printf "%s  %d bytes\n", value("name"), value("size-in-bits") / 8
     next
 }

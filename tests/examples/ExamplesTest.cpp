@@ -169,4 +169,24 @@ TEST_F(Examples, TheBrowsingHostInCppListsCitiesAndTowns) {
     EXPECT_EQ(RunHost(EXAMPLE_TOWNS " 東京都").nStatus, 2);
 }
 
+TEST_F(Examples, TheHostOfTheTextLayerPrintsThePlaceThatATextMeans) {
+    std::string const strCommand = EXAMPLE_WRITTEN " " + m_profile.DictionaryPath() + " ";
+    CRun const run = RunHost(strCommand + "'千代田区 一ツ橋 1-2'");
+    EXPECT_EQ(run.strOutput, "names left out\n1000003 東京都 千代田区 一ツ橋 １丁目\nnot read: 1-2\n");
+    EXPECT_EQ(run.nStatus, 0);
+    EXPECT_EQ(RunHost(strCommand + "どこでもない").strOutput, "nothing found\nnot read: どこでもない\n");
+    EXPECT_EQ(RunHost(strCommand + "どこでもない").nStatus, 1);
+    EXPECT_EQ(RunHost(EXAMPLE_WRITTEN " " + m_profile.Folder() + " x").nStatus, 2);
+    EXPECT_EQ(RunHost(EXAMPLE_WRITTEN).nStatus, 3);
+}
+
+TEST_F(Examples, TheHostOfTheTextLayerInCppSpellsEachLine) {
+    std::string const strCommand = EXAMPLE_SPELLED " " + m_profile.DictionaryPath();
+    CRun const run = RunHost("printf '千代田区 一つ橋 1-2\\nどこでもない\\n' | " + strCommand);
+    EXPECT_EQ(run.strOutput, "1000003 東京都千代田区一ツ橋1-2\n? どこでもない\n");
+    EXPECT_EQ(run.nStatus, 0);
+    EXPECT_EQ(RunHost(EXAMPLE_SPELLED " " + m_profile.Folder() + " </dev/null").nStatus, 2);
+    EXPECT_EQ(RunHost(EXAMPLE_SPELLED).nStatus, 3);
+}
+
 } // namespace
