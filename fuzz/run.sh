@@ -2,13 +2,13 @@
 # run.sh - searches for inputs that hurt: builds the fuzz targets with clang, libFuzzer and the address and
 # undefined-behaviour sanitizers, and runs each of them over a copy of its corpus.
 #
-#   fuzz/run.sh SECONDS [TARGET...]        Api, Legacy, Profile, Image, Compiler, Codes; without one: all, one by one
+#   fuzz/run.sh SECONDS [TARGET...]    Api, Legacy, Profile, Image, Compiler, Codes, Text; without one: all of them
 #
 # Exit status 0: no finding; 1: a finding, which lies in build/fuzz/found; 2: wrong call, or nothing could be built.
 set -eu
 cd "$(dirname "$0")/.."
 BUILD=build/fuzz
-ALL='Api Legacy Profile Image Compiler Codes'
+ALL='Api Legacy Profile Image Compiler Codes Text'
 
 usage() {
     sed -n '2,7s/^# \{0,1\}//p' fuzz/run.sh >&2
