@@ -9,6 +9,7 @@
 #include "builder/Skk.h"
 #include "builder/Source.h"
 #include "builder/Statistics.h"
+#include "builder/TextTable.h"
 
 #include <algorithm>
 #include <iomanip>
@@ -116,9 +117,10 @@ void RunBuild(CBuildOptions const& options) {
     AddPreviousTables(options, progress, compiler, summary);
     if (!options.strEdition.empty()) nEdition = ReadEdition(options.strEdition);
     progress.Say("compiling");
-    CImage const image = compiler.Compile(nEdition, bSkk              ? ESource::Skk
-                                                    : options.bSample ? ESource::Sample
-                                                                      : ESource::Official);
+    CImage image = compiler.Compile(nEdition, bSkk              ? ESource::Skk
+                                              : options.bSample ? ESource::Sample
+                                                                : ESource::Official);
+    AppendTextIndex(image, statistics);
     // The dictionary last: a build that fails leaves the old one untouched.
     if (!options.strReport.empty())
         ReplaceFile(options.strReport, {compiler.Successions().begin(), compiler.Successions().end()});

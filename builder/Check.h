@@ -5,10 +5,12 @@
 //
 // Sound     Every operation of the library is safe on the file, whatever its arguments, and answers by the rules of the
 //           national dictionary: each rule of CHECK_RULES holds.
+// Remarks   What a reader may want to know of a sound file.
 // Budget    Each table and the string area are read a fixed number of times, and the towns of each city are sorted: the
 //           work is that of sorting the file's records, whatever is in it, with at most 127 bytes of each name. Texts
 //           are measured and decoded once, by one pass over the area. In memory the file itself, six bits for each byte
-//           of the string area, and some bits for each record.
+//           of the string area, and some bits for each record. The text index, when there is one, is made anew from
+//           the records and compared, in a file that is sound otherwise.
 // Copies    The bytes are looked at as they are given: a file that changes meanwhile is not noticed.
 #ifndef QEADRS_BUILDER_CHECK_H
 #define QEADRS_BUILDER_CHECK_H
@@ -17,6 +19,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace qe {
@@ -52,6 +55,8 @@ enum class ECheckRule : unsigned {
     // indexes
     CityIndex,
     OfficeIndex,
+    // made of all the above: looked at when nothing else is broken
+    TextIndex,
     Count
 };
 constexpr size_t CHECK_RULE_COUNT = static_cast<size_t>(ECheckRule::Count);
@@ -84,10 +89,14 @@ class CCheckReport {
     size_t CountOf(ECheckRule nRule) const { return m_anCount[static_cast<size_t>(nRule)]; }
     std::vector<CViolation> const& Violations() const { return m_vViolation; }
 
+    void Remark(std::string strText) { m_vRemark.push_back(std::move(strText)); }
+    std::vector<std::string> const& Remarks() const { return m_vRemark; }
+
   private:
     size_t m_nMostTold;
     std::array<size_t, CHECK_RULE_COUNT> m_anCount = {};
     std::vector<CViolation> m_vViolation;
+    std::vector<std::string> m_vRemark;
 };
 
 CCheckReport CheckDictionary(std::vector<unsigned char> const& vByte, size_t nMostTold = CCheckReport::MOST_TOLD);

@@ -17,6 +17,7 @@ void PrintReport(CCheckReport const& report, bool bJson, std::ostream& out) {
                                           {"where", v.strWhere},
                                           {"path", v.strPath},
                                           {"what", v.strWhat}});
+        json["remarks"] = report.Remarks();
         out << json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
         return;
     }
@@ -26,6 +27,7 @@ void PrintReport(CCheckReport const& report, bool bJson, std::ostream& out) {
     for (size_t n = 0; n < CHECK_RULE_COUNT; ++n)
         if (size_t const nCount = report.CountOf(static_cast<ECheckRule>(n)); nCount != 0)
             out << nCount << " against " << CHECK_RULES[n].pszName << ": " << CHECK_RULES[n].pszText << '\n';
+    for (std::string const& strRemark : report.Remarks()) out << strRemark << '\n';
     if (report.IsSound()) out << "sound: all " << CHECK_RULE_COUNT << " rules hold\n";
 }
 

@@ -28,6 +28,8 @@ void CheckTexts(CCheckImage const& image, CCheckReport& report);
 void CheckOffices(CCheckImage const& image, CCheckReport& report);
 void CheckEntries(CCheckImage const& image, CCheckReport& report);
 void CheckIndexes(CCheckImage const& image, CCheckReport& report);
+// REQUIRES: nothing else is broken.
+void CheckTextIndex(std::vector<unsigned char> const& vByte, CCheckReport& report);
 
 // What all checks of records share.
 class CRecordCheck {

@@ -3,6 +3,7 @@
 
 #include "builder/Error.h"
 #include "builder/ImageTables.h"
+#include "builder/TextTable.h"
 #include "dic/ImageHeader.h"
 
 #include <sys/stat.h>
@@ -137,6 +138,9 @@ void PrintInfo(CDictionaryFile const& file, bool bJson, std::ostream& out) {
         area["records"] = file.Word(table.nCount);
         area["bytes"] = uint64_t{file.Word(table.nCount)} * table.nRecord;
     }
+    // Its records are of several kinds.
+    if (auto const index = FindTextTable(file.Bytes()))
+        info["tables"]["text index"] = {{"offset", index->nOffset}, {"bytes", index->nSize}};
     if (bJson) {
         out << info.dump() << '\n';
         return;
@@ -150,7 +154,8 @@ void PrintInfo(CDictionaryFile const& file, bool bJson, std::ostream& out) {
         << "records" << std::setw(10) << "bytes" << '\n';
     for (auto const& [strName, area] : info["tables"].items())
         out << std::left << std::setw(20) << strName << std::right << std::setw(10) << area["offset"].dump()
-            << std::setw(10) << area["records"].dump() << std::setw(10) << area["bytes"].dump() << '\n';
+            << std::setw(10) << (area.contains("records") ? area["records"].dump() : "") << std::setw(10)
+            << area["bytes"].dump() << '\n';
 }
 
 void PrintTree(CDictionaryFile const& file, unsigned nLevel, std::ostream& out) {

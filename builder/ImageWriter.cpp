@@ -178,10 +178,8 @@ class CImageLayout {
     }
 
     void BeginTable(tagHEADERWORD nWord) {
-        auto& vByte = m_image.vByte;
-        vByte.resize((vByte.size() + TABLE_ALIGNMENT - 1) / TABLE_ALIGNMENT * TABLE_ALIGNMENT);
-        if (vByte.size() > ADDR_NONE) throw CBuildError("The tables do not fit into a dictionary of 4 GB.");
-        m_anHeader[nWord] = static_cast<uint32_t>(vByte.size());
+        AlignImage(m_image.vByte);
+        m_anHeader[nWord] = static_cast<uint32_t>(m_image.vByte.size());
     }
 
     void WriteIndex(tagHEADERWORD nTable, tagHEADERWORD nCount, std::vector<uint32_t> const& vId) {
@@ -245,7 +243,7 @@ class CImageLayout {
         BeginTable(HDR_STRING_AREA);
         m_image.vByte.insert(m_image.vByte.end(), m_strArea.begin(), m_strArea.end());
         m_anHeader[HDR_STRING_SIZE] = static_cast<uint32_t>(m_strArea.size());
-        BeginTable(HDR_FIFTH_TABLE); // empty, at the end of the file
+        BeginTable(HDR_FIFTH_TABLE); // empty, at the end of the file: AppendTextIndex fills it
         BeginTable(HDR_SIXTH_TABLE);
         WriteHeader();
     }
@@ -341,6 +339,11 @@ uint32_t ImageChecksum(unsigned char const* pImage, size_t nSize) {
     uint32_t nCrc = UpdateCrc(0xFFFFFFFF, pImage, BEFORE);
     nCrc = UpdateCrc(nCrc, ZERO, sizeof ZERO);
     return ~UpdateCrc(nCrc, pImage + BEFORE + sizeof ZERO, nSize - BEFORE - sizeof ZERO);
+}
+
+void AlignImage(std::vector<unsigned char>& vByte) {
+    vByte.resize((vByte.size() + TABLE_ALIGNMENT - 1) / TABLE_ALIGNMENT * TABLE_ALIGNMENT);
+    if (vByte.size() > ADDR_NONE) throw CBuildError("The tables do not fit into a dictionary of 4 GB.");
 }
 
 void RepairChecksum(std::vector<unsigned char>& vByte) {

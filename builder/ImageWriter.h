@@ -104,6 +104,9 @@ class CImageWriter {
 // The checksum in the header: CRC-32 (polynomial 0xEDB88320) of the image with the checksum's own word taken as zero.
 uint32_t ImageChecksum(unsigned char const* pImage, size_t nSize);
 
+// Zeros up to where the next table may begin, a multiple of 16. Throws CBuildError when the image would exceed 4 GB.
+void AlignImage(std::vector<unsigned char>& vByte);
+
 // Writes the checksum into an image, for those who change one after the fact.
 void RepairChecksum(std::vector<unsigned char>& vByte);
 

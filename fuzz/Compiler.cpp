@@ -6,6 +6,7 @@
 #include "builder/Compiler.h"
 #include "builder/Check.h"
 #include "builder/Error.h"
+#include "builder/TextTable.h"
 #include "fuzz/Fuzz.h"
 
 #include <algorithm>
@@ -87,7 +88,9 @@ void Compile(std::vector<std::string_view> const& vTable) {
         compiler.AddPrevious(vThen, "OLD");
         Match(vThen, vTown);
     }
-    qe::CCheckReport const report = qe::CheckDictionary(compiler.Compile(20260500, qe::ESource::Official).vByte);
+    std::vector<unsigned char> vByte = compiler.Compile(20260500, qe::ESource::Official).vByte;
+    qe::AppendTextIndex(vByte);
+    qe::CCheckReport const report = qe::CheckDictionary(vByte);
     ++nCompiled;
     for (qe::CViolation const& violation : report.Violations())
         std::fprintf(stderr, "%s: %s %s\n", qe::CHECK_RULES[static_cast<size_t>(violation.nRule)].pszName,

@@ -1,4 +1,5 @@
 #include "builder/Compiler.h"
+#include "builder/TextTable.h"
 #include "fuzz/Worlds.h"
 
 #include <fstream>
@@ -24,5 +25,7 @@ std::vector<unsigned char> SampleWorld() {
     compiler.AddTowns(qe::ReadTownTable(Read("utf_ken_all.csv")).vRow, "towns");
     compiler.AddOffices(qe::ReadOfficeTable(Read("JIGYOSYO.CSV")), "offices");
     compiler.AddPrevious(qe::ReadTownTable(Read("previous-2018-01.csv")).vRow, "2018-01");
-    return compiler.Compile(20260500, qe::ESource::Sample).vByte;
+    std::vector<unsigned char> vByte = compiler.Compile(20260500, qe::ESource::Sample).vByte;
+    qe::AppendTextIndex(vByte);
+    return vByte;
 }

@@ -7,10 +7,10 @@
 // The engine compares bytes; this layer turns what people write into what the dictionary holds, and changes nothing in
 // the engine. qetext.h describes the records and what the fields mean.
 //
-// Index     Names are found in folded form in the index in the dictionary's fifth table. A dictionary without one, or
-//           with one of other foldings, gets it built at the first reading (the country: 3 MB, 30 milliseconds). No name
-//           is answered that was not compared with the dictionary's own; which numbers belong to which subdivision of a
-//           town is believed.
+// Index     Names are found in folded form in the index that the compiler puts into the dictionary's fifth table. A
+//           dictionary without one, or with one of other foldings, gets it built at the first reading (the country: 3 MB,
+//           30 milliseconds). No name is answered that was not compared with the dictionary's own; which numbers belong to
+//           which subdivision of a town is believed (`qeadrs-dic check` proves it).
 // Time      Linear in the text; only its first 255 characters, blanks not counted, are looked at for names.
 // Lifetime  Texts of an answer lead into the dictionary's image and live as long as it; the answer and its candidates live
 //           until the next call.
@@ -74,7 +74,7 @@ QETEXT_API std::vector<std::string_view> FoldingNames(uint32_t nFoldings);
 QETEXT_API std::vector<std::string_view> SuppliedNames(uint32_t nSupplied);
 QETEXT_API std::string_view SurenessName(uint32_t nSureness);
 
-// The index of a dictionary's names in folded form, as it stands in the fifth table.
+// The index of a dictionary's names in folded form, as the compiler puts it into the fifth table (docs/format.md).
 // Equal dictionaries, equal bytes, in every word size. What the dictionary's own fifth table holds does not matter.
 QETEXT_API std::vector<unsigned char> BuildTextIndex(CAddrDic const& dic);
 

@@ -1,8 +1,11 @@
 #include "tests/builder/CheckMutants.h"
 
+#include "builder/TextTable.h"
+#include "dic/AddrDic.h"
 #include "tests/builder/CheckRecipe.h"
 #include "tests/support/EveryOperation.h"
 #include "tests/support/GuardedBytes.h"
+#include "text/AddressText.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -73,6 +76,19 @@ void CMutants::Try(CImageBytes const& vByte, std::string const& strWhat) {
     CEveryOperation run(image.Data(), bSound ? CEveryOperation::Sound : CEveryOperation::Bounded, bSound ? 4 : 2);
     run.Run(m_nSeed += 5);
     m_nBounded += bSound ? 0 : 1;
+    if (bSound && !qe::FindTextTable(vByte)) TryIndex(vByte, image.Data(), strWhat);
+}
+
+void CMutants::TryIndex(CImageBytes vByte, unsigned char const* pGuarded, std::string const& strWhat) {
+    CAddrDic dic;
+    dic.SetDictionary(pGuarded);
+    std::vector<unsigned char> const vIndex = qeadrs::BuildTextIndex(dic);
+    qe::AppendTextIndex(vByte);
+    auto const table = qe::FindTextTable(vByte);
+    ASSERT_TRUE(table) << strWhat;
+    ASSERT_EQ(table->nSize, vIndex.size()) << strWhat;
+    EXPECT_TRUE(std::equal(vIndex.begin(), vIndex.end(), vByte.data() + table->nOffset)) << strWhat;
+    EXPECT_EQ(LinesOf(vByte), std::vector<std::string>()) << strWhat;
 }
 
 void CMutants::Finish(char const* pszWhat) const {

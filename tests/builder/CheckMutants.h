@@ -4,7 +4,8 @@
 //   mutants.Try("set node[4].nParent = none");     // of the small world
 //   mutants.Finish("parents");                     // prints the figures
 //
-// Accepted  Every operation of the library runs on the image, between pages that cannot be touched.
+// Accepted  Every operation of the library runs on the image, between pages that cannot be touched, and the text index
+//           is made of it, with which it is accepted as well.
 // Refused   The same, when header and tables are in order, with the operations that keep to the tables by themselves.
 // Death     When the process dies, or when a trial takes too long, it says what was being tried.
 #ifndef QEADRS_TESTS_BUILDER_CHECKMUTANTS_H
@@ -40,6 +41,8 @@ class CMutants {
     size_t Bounded() const { return m_nBounded; } // refused ones that were tried
 
   private:
+    static void TryIndex(CImageBytes vByte, unsigned char const* pGuarded, std::string const& strWhat);
+
     size_t m_nRefusedEach;
     size_t m_nRefused = 0, m_nInItsFile = 0, m_nAccepted = 0, m_nBounded = 0;
     uint32_t m_nSeed = 0;

@@ -1,4 +1,5 @@
 // The national dictionary under the checker's rules and the library's operations.
+#include "builder/TextTable.h"
 #include "tests/builder/CheckWorld.h"
 #include "tests/support/EveryOperation.h"
 #include "tests/support/GuardedBytes.h"
@@ -7,8 +8,11 @@
 
 TEST(Check, TheNationalDictionaryIsSoundAndHarmless) {
     std::string const strBytes = BytesOf(QEADRS_TEST_DATA "/qeadrs.dic");
-    CImageBytes const vByte(strBytes.begin(), strBytes.end());
+    CImageBytes vByte(strBytes.begin(), strBytes.end());
     ASSERT_THAT(LinesOf(vByte), testing::IsEmpty());
+    qe::AppendTextIndex(vByte); // a second one, where it was compiled with one
+    ASSERT_THAT(LinesOf(vByte), testing::IsEmpty());
+    ASSERT_TRUE(qe::FindTextTable(vByte));
     CGuardedBytes const image(vByte);
     CEveryOperation run(image.Data(), CEveryOperation::Sound, 1);
     run.Run(1);

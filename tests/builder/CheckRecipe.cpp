@@ -1,6 +1,7 @@
 #include "tests/builder/CheckRecipe.h"
 
 #include "builder/ImageWriter.h"
+#include "builder/TextTable.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -72,6 +73,8 @@ void CRecipe::DoStep() {
     } else if (Take("add")) {
         m_vByte.resize(m_vByte.size() + Sum());
         Need("bytes");
+    } else if (Take("append the index")) {
+        qe::AppendTextIndex(m_vByte);
     } else if (bool const bCopy = Take("copy"); bCopy || Take("exchange")) {
         uint32_t const nBytes = Sum();
         Need(bCopy ? "bytes from" : "bytes at");

@@ -16,6 +16,7 @@
 //   copy N bytes from N to N       exchange N bytes at N and at N
 //   cut to N bytes                 shorten to N bytes: the same, and the header says so
 //   add N bytes                    zeros, behind the last
+//   append the index               the text index, at byte "size": that of the records as the steps before left them
 //
 // N and VALUE are sums and differences of numbers (decimal or 0x...), "none" (0xFFFFFFFF), "superseded"
 // (0x80000000), "size" (the file's), "nodes", "entries", "area" (how many), any place that can be set, and the index of a node or an

@@ -1,5 +1,6 @@
 // What the compiler makes is sound, and what is sound is harmless.
 #include "builder/Error.h"
+#include "builder/TextTable.h"
 #include "tests/builder/CheckMutants.h"
 #include "tests/builder/CheckRecipe.h"
 #include "tests/support/EveryOperation.h"
@@ -170,6 +171,8 @@ TEST(Check, WhateverTheCompilerMakesIsSound) {
             continue;
         }
         ASSERT_THAT(LinesOf(vByte), IsEmpty()) << Described(tables);
+        qe::AppendTextIndex(vByte);
+        ASSERT_THAT(LinesOf(vByte), IsEmpty()) << "with its text index:\n" << Described(tables);
     }
     std::cout << nMade << " dictionaries made, " << nRefused << " tables refused by the compiler\n";
     EXPECT_GT(nMade, 1000u);

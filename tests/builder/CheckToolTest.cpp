@@ -30,7 +30,7 @@ class ToolCheck : public Tool {
 TEST_F(ToolCheck, SaysThatADictionaryIsSound) {
     CToolRun const run = Check(SmallWorld());
     EXPECT_EQ(run.nStatus, 0);
-    EXPECT_EQ(run.strOut, "sound: all 24 rules hold\n");
+    EXPECT_EQ(run.strOut, "sound: all 25 rules hold\n");
     EXPECT_EQ(run.strErr, "");
 }
 
@@ -56,7 +56,8 @@ TEST_F(ToolCheck, TellsTheSameAsOneJsonObject) {
         R"("丸の内","what":"has no parent"}],"counts":{"file":0,"format":0,"tables":0,"checksum":0,)"
         R"("identification":0,"unused":0,"level":0,"runs":0,"parent":1,"children":1,"alias":0,)"
         R"("entry-of-node":0,"gone-city":0,"name":0,"reading":0,"shared":0,"pref-name":0,"town-order":0,"code":0,)"
-        R"("code-order":0,"node-of-entry":0,"successor":0,"city-index":0,"organisation-index":0}})"
+        R"("code-order":0,"node-of-entry":0,"successor":0,"city-index":0,"organisation-index":0,"text-index":0},)"
+        R"("remarks":[]})"
         "\n");
 }
 
@@ -66,6 +67,20 @@ TEST_F(ToolCheck, ShowsNoControlCharactersOfNames) {
                                        "node[東京都 千代田区 丸の内].nInfo = 0")
                                    .Apply(SmallWorld()));
     EXPECT_THAT(run.strOut, testing::StartsWith("entry-of-node: node 7 (東京都 千代田区 ???丸x"));
+}
+
+// Readers do without it: nothing is damaged.
+TEST_F(ToolCheck, RemarksThatTheTextIndexIsForOtherReaders) {
+    std::string const strRemark =
+        "The text index was made for other readers: those of this version build their own at the first reading.";
+    CImageBytes const vByte = CRecipe("append the index; set word[size + 4] = 1").Apply(SmallWorld());
+    CToolRun const run = Check(vByte);
+    EXPECT_EQ(run.nStatus, 0);
+    EXPECT_EQ(run.strOut, strRemark + "\nsound: all 25 rules hold\n");
+    EXPECT_EQ(run.strErr, "");
+    auto const json = nlohmann::ordered_json::parse(Check(vByte, {"--json"}).strOut);
+    EXPECT_EQ(json["sound"], true);
+    EXPECT_EQ(json["remarks"], nlohmann::ordered_json::array({strRemark}));
 }
 
 TEST_F(ToolCheck, GivesTheCountsOfASoundDictionaryAsJson) {

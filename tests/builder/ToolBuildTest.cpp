@@ -1,6 +1,7 @@
 // qeadrs-dic build: what it says, what it refuses with which exit status, and what becomes of the old dictionary.
 #include "builder/DictionaryFile.h"
 #include "builder/ImageWriter.h"
+#include "builder/TextTable.h"
 #include "tests/builder/Tool.h"
 
 #include <fcntl.h>
@@ -56,6 +57,14 @@ TEST_F(ToolSample, BuildWritesTheDictionaryAndNothingElse) {
     EXPECT_EQ(run.strErr, "");
     EXPECT_THAT(m_folder.Content(), ElementsAre(Key("t.dic")));
     EXPECT_TRUE(qe::CDictionaryFile(Dictionary()).IsIntact());
+}
+
+TEST_F(ToolSample, BuildPutsTheTextIndexIntoTheDictionaryAndCountsItsBytes) {
+    nlohmann::json const json = nlohmann::json::parse(Output(Sample({"--json"})));
+    auto const index = qe::FindTextTable(qe::CDictionaryFile(Dictionary()).Bytes());
+    ASSERT_TRUE(index);
+    EXPECT_EQ(json["counts"]["text_index_bytes"], index->nSize);
+    EXPECT_EQ(Output({"check", Dictionary()}), "sound: all 25 rules hold\n");
 }
 
 TEST_F(ToolSample, BuildNamesItsSourcesAndItsCounts) {

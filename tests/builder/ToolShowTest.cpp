@@ -1,5 +1,6 @@
 // qeadrs-dic info and dump, and which files they refuse.
 #include "builder/DictionaryFile.h"
+#include "builder/TextTable.h"
 #include "dic/ImageHeader.h"
 #include "tests/builder/Tool.h"
 
@@ -54,22 +55,30 @@ class ToolShow : public Tool {
 } // namespace
 
 TEST_F(ToolShow, InfoShowsHeaderCountsEditionAndSizes) {
+    std::string const strBytes = std::to_string(m_strBytes.size());
+    auto const index = qe::FindTextTable({m_strBytes.begin(), m_strBytes.end()});
+    ASSERT_TRUE(index);
+    std::string const strIndex = std::to_string(index->nSize);
     EXPECT_EQ(Output({"info", Dictionary()}), "format              1\n"
                                               "edition             2026-05-29\n"
                                               "source              official tables\n"
                                               "checksum            right\n"
-                                              "bytes               608\n"
-                                              "prefectures         1\n"
-                                              "cities              1\n"
-                                              "towns               3\n"
-                                              "organisation names  2\n"
-                                              "\n"
-                                              "table                   offset   records     bytes\n"
-                                              "nodes                      112         9       216\n"
-                                              "entries                    336         4        32\n"
-                                              "strings                    400       198       198\n"
-                                              "city index                 368         1         4\n"
-                                              "organisation index         384         2         8\n");
+                                              "bytes               " +
+                                                  strBytes +
+                                                  "\n"
+                                                  "prefectures         1\n"
+                                                  "cities              1\n"
+                                                  "towns               3\n"
+                                                  "organisation names  2\n"
+                                                  "\n"
+                                                  "table                   offset   records     bytes\n"
+                                                  "nodes                      112         9       216\n"
+                                                  "entries                    336         4        32\n"
+                                                  "strings                    400       198       198\n"
+                                                  "city index                 368         1         4\n"
+                                                  "organisation index         384         2         8\n"
+                                                  "text index                 608          " +
+                                                  std::string(10 - strIndex.size(), ' ') + strIndex + "\n");
 }
 
 TEST_F(ToolShow, InfoAsJsonIsOneObjectWithTheSameFigures) {
@@ -82,6 +91,15 @@ TEST_F(ToolShow, InfoAsJsonIsOneObjectWithTheSameFigures) {
     EXPECT_EQ(json["towns"], 3);
     EXPECT_EQ(json["organisation names"], 2);
     EXPECT_EQ(json["tables"]["nodes"], nlohmann::json({{"offset", 112}, {"records", 9}, {"bytes", 216}}));
+    EXPECT_EQ(json["tables"].size(), 6u);
+    EXPECT_EQ(json["tables"]["text index"]["offset"], 608);
+}
+
+TEST_F(ToolShow, InfoOfADictionaryWithoutATextIndexDoesNotNameIt) {
+    std::string const strBefore = Output({"info", Dictionary()});
+    SetHeaderWord(HDR_FIFTH_TABLE, static_cast<uint32_t>(m_strBytes.size()));
+    EXPECT_EQ(Output({"info", Dictionary()}), strBefore.substr(0, strBefore.find("text index")));
+    nlohmann::json const json = nlohmann::json::parse(Output({"info", "--json", Dictionary()}));
     EXPECT_EQ(json["tables"].size(), 5u);
 }
 
@@ -142,7 +160,7 @@ TEST_F(ToolShow, ANewerFormatIsRefusedAsSuch) {
 
 TEST_F(ToolShow, ACutOffDictionaryIsRefusedWithBothSizes) {
     WriteFile(Dictionary(), m_strBytes.substr(0, 500));
-    ExpectRefused(": is damaged: 500 bytes instead of 608.");
+    ExpectRefused(": is damaged: 500 bytes instead of " + std::to_string(m_strBytes.size()) + ".");
 }
 
 TEST_F(ToolShow, ATableOutsideTheFileIsRefusedByItsName) {
@@ -192,7 +210,8 @@ TEST_F(ToolShow, ADictionaryCutOffAtEveryLengthIsRefused) {
 
 TEST_F(ToolShow, ADictionaryWithSomethingBehindItIsRefused) {
     WriteFile(Dictionary(), m_strBytes + "x");
-    EXPECT_THAT(OpenError(Dictionary()), HasSubstr(": is damaged: 609 bytes instead of 608."));
+    EXPECT_THAT(OpenError(Dictionary()), HasSubstr(": is damaged: " + std::to_string(m_strBytes.size() + 1) +
+                                                   " bytes instead of " + std::to_string(m_strBytes.size()) + "."));
 }
 
 // Another bit in each byte.

@@ -2,15 +2,19 @@
 // compiler makes of the page's rows, and the library answers from it as the page says.
 #include "builder/Check.h"
 #include "builder/Compiler.h"
+#include "builder/TextTable.h"
 #include "dic/AddrDic.h"
 #include "dic/ImageHeader.h"
+#include "text/AddressText.h"
 
 #include <gmock/gmock.h>
 
 #include <array>
+#include <codecvt>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <locale>
 #include <map>
 #include <sstream>
 #include <string>
@@ -80,7 +84,9 @@ CBytes CompiledFromPage() {
     compiler.AddTowns(qe::ReadTownTable(TableOfPage("towns.csv")).vRow, "towns.csv");
     compiler.AddOffices(qe::ReadOfficeTable(TableOfPage("organisations.csv")), "organisations.csv");
     compiler.AddPrevious(qe::ReadTownTable(TableOfPage("earlier-towns.csv")).vRow, "earlier-towns.csv");
-    return compiler.Compile(20260500, qe::ESource::Official).vByte;
+    CBytes vByte = compiler.Compile(20260500, qe::ESource::Official).vByte;
+    qe::AppendTextIndex(vByte);
+    return vByte;
 }
 
 // The bytes of all rows, one behind the other. Each row stands at the offset that it names.
@@ -127,8 +133,8 @@ constexpr std::array<char const*, HDR_WORDS> WORD_NAMES = {"the mark `QEADRS`, 0
                                                            "info table at",
                                                            "string area at",
                                                            "city-name index at",
-                                                           "first empty table at",
-                                                           "second empty table at",
+                                                           "text index at",
+                                                           "empty table at",
                                                            "organisation index at",
                                                            "prefectures",
                                                            "first prefecture: node",
@@ -141,6 +147,49 @@ constexpr std::array<char const*, HDR_WORDS> WORD_NAMES = {"the mark `QEADRS`, 0
                                                            "entries of the organisation index"};
 constexpr std::array<char const*, 8> LEVEL_NAMES = {"prefecture", "city",     "town",  "subdivision",
                                                     "building",   "grouping", "floor", "organisation"};
+
+constexpr std::array<char const*, 18> INDEX_WORD_NAMES = {"the mark `QETX`",
+                                                          "foldings",
+                                                          "bytes of the index",
+                                                          "layout",
+                                                          "slots of city names: at",
+                                                          "b",
+                                                          "cities: at",
+                                                          "how many",
+                                                          "slots of towns: at",
+                                                          "how many",
+                                                          "rules: at",
+                                                          "how many",
+                                                          "tokens of the longest city name",
+                                                          "last tokens of city names",
+                                                          "the last tokens",
+                                                          "",
+                                                          "",
+                                                          ""};
+enum : uint32_t {
+    INDEX_SIZE = 2,
+    INDEX_CITIES = 4,
+    INDEX_BITS = 5,
+    INDEX_TOWNS = 8,
+    INDEX_RULES = 10,
+    INDEX_LAST = 14
+};
+
+// The hash of a name below a node by the page's rule.
+class CHash {
+  public:
+    CHash(uint32_t nNode, std::string const& strFolded) : m_n((uint64_t{nNode} + 1) * M) {
+        std::wstring_convert<std::codecvt_utf8_utf16<char16_t>, char16_t> convert;
+        for (char16_t const nToken : convert.from_bytes(strFolded)) Add(nToken);
+    }
+    void Add(uint16_t nToken) { m_n = (m_n ^ nToken) * M; }
+    uint32_t Check() const { return static_cast<uint32_t>(m_n >> 8); }
+    uint32_t Slot(uint32_t nBits) const { return static_cast<uint32_t>(m_n >> (64 - nBits)); }
+
+  private:
+    static constexpr uint64_t M = 0x9E3779B97F4A7C15;
+    uint64_t m_n;
+};
 
 // The page's rows as they have to be for these bytes.
 class CDescription {
@@ -155,6 +204,8 @@ class CDescription {
         for (auto const& [nOffset, nSuperseded] : m_mapCode) Codes(nOffset, nSuperseded);
         for (auto const& [nOffset, bReading] : m_mapName) Name(nOffset, bReading);
         Pad(Head(HDR_FIFTH_TABLE));
+        Index();
+        Pad(Head(HDR_SIXTH_TABLE));
     }
 
     std::vector<std::string> Lines() const { return m_vLine; }
@@ -284,6 +335,149 @@ class CDescription {
         RowOf(TextBytes(strReading), strReading.size() + 1, strReading.empty() ? "no reading" : strReading);
     }
 
+    // --- the text index: offsets within it ---
+
+    uint32_t IndexAt() const { return static_cast<uint32_t>(m_nAt) - Head(HDR_FIFTH_TABLE); }
+    uint32_t IndexWord(uint32_t n) const { return Long(Head(HDR_FIFTH_TABLE) + 4 * n); }
+
+    void Index() {
+        uint32_t const nBase = Head(HDR_FIFTH_TABLE);
+        for (uint32_t n = 0; n < INDEX_WORD_NAMES.size(); ++n) IndexHeader(n);
+        ASSERT_EQ(IndexAt(), IndexWord(INDEX_CITIES));
+        Slots(IndexWord(INDEX_BITS), [this](uint32_t nValue, CHash& hash) { return CitySlot(nValue, hash); });
+        ASSERT_EQ(IndexAt(), IndexWord(INDEX_CITIES + 2));
+        for (uint32_t n = 0; n < IndexWord(INDEX_CITIES + 3); ++n) City(n);
+        ASSERT_EQ(IndexAt(), IndexWord(INDEX_TOWNS));
+        for (uint32_t n = 0; n < IndexWord(INDEX_CITIES + 3); ++n) {
+            size_t const nCity = nBase + IndexWord(INDEX_CITIES + 2) + 24 * n;
+            ASSERT_EQ(IndexAt(), IndexWord(INDEX_TOWNS) + 8 * Long(nCity));
+            uint32_t const nNode = Head(HDR_FIRST_CITY) + n;
+            Slots(Long(nCity + 4), [=](uint32_t nValue, CHash& hash) { return TownSlot(nNode, nValue, hash); });
+        }
+        ASSERT_EQ(IndexAt(), IndexWord(INDEX_RULES));
+        for (uint32_t n = 0; n < IndexWord(INDEX_RULES + 1); ++n) Rule(n);
+        ASSERT_EQ(IndexAt(), IndexWord(INDEX_SIZE));
+    }
+
+    void IndexHeader(uint32_t n) {
+        uint32_t const nValue = IndexWord(n);
+        std::string str = "word " + Dec(n) + (n > INDEX_LAST ? "" : ": ") + INDEX_WORD_NAMES[n];
+        if (n == 1)
+            str += " 0x" + Hex(nValue, 8);
+        else if (n >= INDEX_LAST)
+            str += LastTokens(nValue);
+        else if (str.substr(str.size() - 3) == " at")
+            str += " " + At(nValue);
+        else if (n != 0)
+            str += " " + Dec(nValue);
+        Row(4, str);
+    }
+
+    static std::string LastTokens(uint32_t nValue) {
+        std::string str;
+        std::wstring_convert<std::codecvt_utf8_utf16<char16_t>, char16_t> convert;
+        for (uint32_t const n : {nValue & 0xFFFF, nValue >> 16})
+            if (n != 0) str += ' ' + convert.to_bytes(static_cast<char16_t>(n));
+        return str;
+    }
+
+    // The slots of one table: describe(value, hash) says what is there and under which hash. Neighbours that are free
+    // have one row.
+    template <typename F>
+    void Slots(uint32_t nBits, F const& describe) {
+        uint32_t const nSlots = uint32_t{1} << nBits, nFirst = static_cast<uint32_t>(m_nAt);
+        for (uint32_t n = 0; n < nSlots;) {
+            uint32_t nFree = n;
+            std::string strBytes;
+            while (nFree < nSlots && Long(nFirst + 8 * nFree + 4) == ADDR_NONE)
+                strBytes += (strBytes.empty() ? "" : " ") + Digits(nFirst + 8 * nFree++, 8);
+            if (nFree > n) {
+                RowOf(strBytes, size_t{8} * (nFree - n),
+                      nFree - n == 1 ? "slot " + Dec(n) + ": free"
+                                     : "slots " + Dec(n) + " to " + Dec(nFree - 1) + ": free");
+                n = nFree;
+                continue;
+            }
+            CHash hash(0, "");
+            std::string const str = describe(Long(m_nAt + 4), hash);
+            EXPECT_EQ(Long(m_nAt), hash.Check()) << str;
+            for (uint32_t nOwn = hash.Slot(nBits); nOwn != n; nOwn = (nOwn + 1) % nSlots)
+                EXPECT_NE(Long(nFirst + 8 * nOwn + 4), ADDR_NONE) << str << " is not found from its own slot on";
+            RowOf(Digits(m_nAt, 4) + ' ' + Digits(m_nAt + 4, 4), 8, "slot " + Dec(n) + ": " + str);
+            ++n;
+        }
+    }
+
+    uint32_t NodeField(uint32_t nNode, uint32_t nField) const {
+        return Long(Head(HDR_NODE_TABLE) + 24 * nNode + nField);
+    }
+
+    // The example has no county.
+    std::string CitySlot(uint32_t nValue, CHash& hash) const {
+        uint32_t const nNumber = nValue & 0xFFFF, nNode = Head(HDR_FIRST_CITY) + nNumber;
+        std::string strPref = NameOf(NodeField(nNode, 12)), strCity = NameOf(nNode);
+        bool const bShort = (nValue >> 17 & 1) != 0, bWard = (nValue >> 19 & 1) != 0,
+                   bNoWard = (nValue >> 20 & 1) != 0;
+        if ((nValue >> 16 & 3) == 0) strPref.clear();
+        if (bShort) strPref.resize(strPref.size() - 3); // a character
+        size_t const nWard = strCity.find("市") + 3;
+        if (bWard) strCity.erase(0, nWard);
+        if (bNoWard) strCity.resize(nWard);
+        std::string const strFolded = qeadrs::FoldName(strPref) + qeadrs::FoldName(strCity);
+        hash = CHash(ADDR_NONE, strFolded);
+        return strFolded + ", city " + Dec(nNumber) + ((nValue >> 21 & 1) != 0 ? "; longer names begin so" : "");
+    }
+
+    static std::string LengthsOf(uint32_t nLow, uint32_t nHigh) {
+        std::string str;
+        for (uint32_t n = 0; n < 64; ++n)
+            if (((n < 32 ? nLow >> n : nHigh >> (n - 32)) & 1) != 0) str += (str.empty() ? "" : ", ") + Dec(n);
+        return str.empty() ? "none" : "of " + str + " tokens";
+    }
+
+    void City(uint32_t n) {
+        std::string const str = "city " + Dec(n) + ", " + NameOf(Head(HDR_FIRST_CITY) + n) + ": " +
+                                Dec(1u << Long(m_nAt + 4)) + " slots from " + Dec(Long(m_nAt)) +
+                                " on; names of towns " + LengthsOf(Long(m_nAt + 8), Long(m_nAt + 12)) +
+                                ", below them " + LengthsOf(Long(m_nAt + 16), Long(m_nAt + 20));
+        std::string strBytes = Digits(m_nAt, 4);
+        strBytes += ' ' + Digits(m_nAt + 4, 4) + ' ' + Digits(m_nAt + 8, 8) + ' ' + Digits(m_nAt + 16, 8);
+        RowOf(strBytes, 24, str);
+    }
+
+    // The example has no place name in a subdivision.
+    std::string TownSlot(uint32_t nCity, uint32_t nValue, CHash& hash) const {
+        if ((nValue >> 30 & 1) != 0) {
+            uint32_t const nRule = nValue & 0x1FFFFFFF;
+            uint32_t const nTown = Long(Head(HDR_FIFTH_TABLE) + IndexWord(INDEX_RULES) + 20 * nRule);
+            hash = CHash(nTown, "");
+            hash.Add(0xFFFF);
+            return "rules of node " + Dec(nTown) + " from rule " + Dec(nRule) + " on";
+        }
+        uint32_t const nNode = nValue & 0x1FFFFFFF, nParent = NodeField(nNode, 12);
+        bool const bTown = m_vByte.at(Head(HDR_NODE_TABLE) + 24 * nNode) == LEVEL_TOWN;
+        EXPECT_TRUE(!bTown || nParent == nCity);
+        hash = CHash(nParent, qeadrs::FoldName(NameOf(nNode)));
+        return qeadrs::FoldName(NameOf(nNode)) + " below node " + Dec(nParent) + ": node " + Dec(nNode) +
+               ((nValue >> 29 & 1) != 0 ? ", divided" : "");
+    }
+
+    void Rule(uint32_t n) {
+        uint32_t const nNode = Long(m_nAt), nUnit = m_vByte.at(m_nAt + 4);
+        std::string str = "rule " + Dec(n) + ": ";
+        if (nUnit == 255) {
+            str += "head of node " + Dec(nNode) + ", " + NameOf(nNode) + ": " + Dec(Long(m_nAt + 16)) + " behind it";
+        } else {
+            str += "node " + Dec(nNode) + ", " + NameOf(nNode) + ": unit " + Dec(nUnit) + ", flags " +
+                   Dec(m_vByte.at(m_nAt + 5)) + ", from 0x" + Hex(Long(m_nAt + 12), 8) + " to 0x" +
+                   Hex(Long(m_nAt + 16), 8);
+        }
+        std::string strBytes =
+            Digits(m_nAt, 4) + ' ' + Digits(m_nAt + 4, 1) + ' ' + Digits(m_nAt + 5, 1) + ' ' + Digits(m_nAt + 6, 2);
+        for (size_t nField = 8; nField < 20; nField += 4) strBytes += ' ' + Digits(m_nAt + nField, 4);
+        RowOf(strBytes, 20, str);
+    }
+
     CBytes const& m_vByte;
     size_t m_nAt = 0;
     std::vector<std::string> m_vLine;
@@ -368,7 +562,7 @@ TEST(FormatPage, AnswersItsQuestionsFromItsBytes) {
     CBytes const vByte = BytesOfPage();
     ASSERT_TRUE(qe::CheckDictionary(vByte).IsSound()); // of any other file nothing is asked
     std::vector<CCells> const vRow = Rows("`");
-    EXPECT_EQ(vRow.size(), 12u);
+    EXPECT_EQ(vRow.size(), 13u);
     for (CCells const& row : vRow) {
         ASSERT_EQ(row.size(), 3u);
         EXPECT_EQ(Ask(vByte, row[0], row[1]), row[2]) << row[0] << ' ' << row[1];

@@ -2,6 +2,7 @@
 //
 //   docs_sample_dictionary SAMPLE_FOLDER FILE
 #include "builder/Compiler.h"
+#include "builder/TextTable.h"
 
 #include <exception>
 #include <fstream>
@@ -25,7 +26,8 @@ void Write(std::string const& strFolder, std::string const& strFile) {
     compiler.AddTowns(qe::ReadTownTable(Table(strFolder + "/utf_ken_all.csv")).vRow, "utf_ken_all.csv");
     compiler.AddOffices(qe::ReadOfficeTable(Table(strFolder + "/JIGYOSYO.CSV")), "JIGYOSYO.CSV");
     compiler.AddPrevious(qe::ReadTownTable(Table(strFolder + "/previous-2018-01.csv")).vRow, "previous-2018-01.csv");
-    auto const vByte = compiler.Compile(0, qe::ESource::Sample).vByte;
+    auto vByte = compiler.Compile(0, qe::ESource::Sample).vByte;
+    qe::AppendTextIndex(vByte);
     std::ofstream file(strFile, std::ios::binary);
     file.write(reinterpret_cast<char const*>(vByte.data()), static_cast<std::streamsize>(vByte.size()));
     file.close();
