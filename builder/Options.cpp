@@ -39,9 +39,11 @@ constexpr char CHECK_HELP[] =
     "is found sound is safe to query with whatever arguments. Exit status 1: a rule is broken, or the file cannot be "
     "read.";
 
-constexpr char REPORT_HELP[] = "Asks the dictionary for every row of the tables and prints how many were answered as "
-                               "the table has them, with the "
-                               "reasons of the others.";
+constexpr char REPORT_HELP[] =
+    "Asks the dictionary for every row of the tables and prints how many were answered as the table has them, with "
+    "the "
+    "reasons of the others. With --text it asks for seeded rows as people write them, and prints beside each figure "
+    "what it must reach. Exit status 1: one of these is not reached.";
 
 volatile std::sig_atomic_t bStopped = 0;
 
@@ -162,17 +164,19 @@ void AddCheck(CLI::App& app, CShowOptions& options, bool& bSound) {
     });
 }
 
-void AddReport(CLI::App& app, CReportOptions& options) {
+// Exit status 1: a figure of --text is not reached.
+void AddReport(CLI::App& app, CReportOptions& options, bool& bReached) {
     CLI::App* const pReport = app.add_subcommand("report", "measure a dictionary against the tables of its build");
     pReport->add_option("FILE", options.strFile, "the dictionary")->required();
     pReport->add_option("--towns", options.strTowns, "town table, as for build")->type_name("FILE")->required();
     pReport->add_option("--offices", options.strOffices, "organisation table, as for build")->type_name("FILE");
-    AddPreviousOption(*pReport, options.vPrevious);
+    auto* const pPrevious = AddPreviousOption(*pReport, options.vPrevious);
+    pReport->add_flag("--text", options.bText, "measure addresses as people write them")->excludes(pPrevious);
     pReport->add_option("--misses", options.strMisses, "file for all that was not found as wanted, tab-separated")
         ->type_name("FILE");
     pReport->add_flag("--json", options.bJson, "the figures as one JSON object");
     pReport->footer(REPORT_HELP);
-    pReport->callback([&options] { RunReport(options); });
+    pReport->callback([&options, &bReached] { bReached = RunReport(options); });
 }
 
 } // namespace
@@ -182,7 +186,7 @@ void AddCommands(CLI::App& app, COptions& options, bool& bSound) {
     AddFetch(app, options.fetch);
     AddShow(app, options.show);
     AddCheck(app, options.show, bSound);
-    AddReport(app, options.report);
+    AddReport(app, options.report, bSound);
 }
 
 } // namespace qe

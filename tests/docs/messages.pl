@@ -11,7 +11,7 @@ use open qw(:std :encoding(UTF-8));
 
 chdir $ARGV[0] or die "messages.pl SOURCE_DIR\n";
 my $page = 'docs/troubleshooting.md';
-my @cpp = grep { !m{/(Check\w*|Measure|Options|Picker)\.(cpp|h)$} }
+my @cpp = grep { !m{/(Check\w*|Measure\w*|Options|Picker)\.(cpp|h)$} }
     (glob('cli/*.cpp cli/*.h builder/*.cpp builder/*.h'), 'api/qeadrs.hpp');
 # Among the texts of the help and the rules of the checker (docs/checking.md) there are a few messages.
 my @mixed = ('cli/Options.cpp', 'builder/Options.cpp', 'builder/Check.cpp');
