@@ -105,6 +105,12 @@ std::string_view NameOf(qeadrs::CDictionary const& dictionary, tagADDRNODE const
     return dictionary.File().Text(dictionary.Class().GetString(pNode->nName));
 }
 
+std::string_view KanaOf(qeadrs::CDictionary const& dictionary, tagADDRNODE const* pNode) {
+    if (pNode == nullptr) return {};
+    size_t const nReading = pNode->nName + NameOf(dictionary, pNode).size() + 1;
+    return dictionary.File().Text(dictionary.Class().GetString(nReading));
+}
+
 std::string DescribeDoubt(qeadrs::CDictionary const& dictionary, tagADDR const& addr) {
     if (addr.pTownNode == nullptr) return "";
     if (addr.pCityNode == nullptr)

@@ -67,6 +67,9 @@ CFoundPlace FindPlace(qeadrs::CDictionary const& dictionary, tagADDR const& addr
 // The name of a node, "" for null.
 std::string_view NameOf(qeadrs::CDictionary const& dictionary, tagADDRNODE const* pNode);
 
+// Its reading, which stands right behind the name's NUL.
+std::string_view KanaOf(qeadrs::CDictionary const& dictionary, tagADDRNODE const* pNode);
+
 // Why the code may well be another place's than meant; "" when nothing speaks for that.
 std::string DescribeDoubt(qeadrs::CDictionary const& dictionary, tagADDR const& addr);
 

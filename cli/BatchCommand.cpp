@@ -25,9 +25,8 @@ namespace qe {
 namespace {
 
 constexpr char BATCH_HELP[] =
-    "Every line comes out once, in its order and as it was, with the results behind it, in JSON as keys: what "
-    "`qeadrs zip` prints of the first address, and their count; what `qeadrs addr` or `latest` prints; last the "
-    "status: found, not found, or why not. Malformed lines go to the rejects, else into the output as they are.\n"
+    "Behind every line comes what the command prints (of a code's addresses the first, and their count) and the "
+    "status. Malformed lines go to the rejects, else they come out as they are.\n"
     "Exit: 0 all looked up, found or not, 1 some malformed, 2 usage, 3 no dictionary, 4 system error.";
 
 size_t CountJobs(CBatchOptions const& options) {
@@ -37,8 +36,8 @@ size_t CountJobs(CBatchOptions const& options) {
 class CBatch {
   public:
     explicit CBatch(CBatchOptions const& options)
-        : m_options(options),
-          m_vColumn(BatchColumns(options.nOp, options.strPrefix)),
+        : m_options(Checked(options)),
+          m_vColumn(BatchColumns(options.question, options.strPrefix)),
           m_form(MakeBatchForm(options.nForm, options.strColumn, options.bHeader, m_vColumn)),
           m_dictionary(options.strDic),
           m_input(OpenBatchInput(options.strFile)),
@@ -61,6 +60,12 @@ class CBatch {
     }
 
   private:
+    static CBatchOptions const& Checked(CBatchOptions const& options) {
+        if (options.question.bReading && !options.question.IsRead())
+            throw CFailure(EXIT_USAGE, "--reading tells of addresses, and a postal code is none.");
+        return options;
+    }
+
     void OpenRejects() {
         if (m_input.IsSame(m_output)) throw CFailure(EXIT_USAGE, "the output is the input itself.");
         if (!m_options.strRejects) return;
@@ -93,8 +98,9 @@ class CBatch {
     }
 
     CBatchPool::CStep Worker() const {
-        auto pWorker = std::make_shared<CBatchWorker>(*m_form, CBatchAnswerer(m_options.nOp, m_dictionary.Mapped()),
-                                                      m_vColumn.size(), m_strHeader, m_rejects.has_value());
+        auto pWorker =
+            std::make_shared<CBatchWorker>(*m_form, CBatchAnswerer(m_options.question, m_dictionary.Mapped()),
+                                           m_vColumn.size(), m_strHeader, m_rejects.has_value());
         return [pWorker = std::move(pWorker)](CBatchWork& work) { pWorker->Answer(work); };
     }
 
@@ -189,10 +195,14 @@ void AddBatch(CLI::App& app, CBatchOptions& options, EExit& nStatus) {
     pBatch->add_option("--column", options.strColumn, "what to look up: number from 1, name below a header, JSON key")
         ->type_name("N")
         ->required();
-    pBatch->add_option("--op", options.nOp, "look up postal codes, addresses, or latest forms")
+    pBatch->add_option("--op", options.question.nOp, "look up postal codes, addresses, or latest forms")
         ->transform(OneOf(OPS))
         ->type_name("zip|addr|latest")
         ->required();
+    auto* const pExact = pBatch->add_flag("--exact", options.question.bExact,
+                                          "addresses as the dictionary spells them, as `qeadrs addr --exact`");
+    pBatch->add_flag("--reading", options.question.bReading, "one result more: all that `qeadrs addr --json` tells")
+        ->excludes(pExact);
     pBatch->add_flag("--header", options.bHeader, "the first line has names; the results' are added");
     pBatch->add_option("--prefix", options.strPrefix, "put in front of the results' names")->type_name("TEXT");
     pBatch->add_option("--jobs", options.nJobs, "threads (default: one for each processor)")

@@ -18,7 +18,7 @@ namespace qe {
 
 struct CBatchOptions {
     EBatchForm nForm = EBatchForm::Tsv;
-    EBatchOp nOp = EBatchOp::Zip;
+    CBatchQuestion question;
     std::string strColumn; // number, or name
     std::string strPrefix; // of the results' names
     bool bHeader = false;

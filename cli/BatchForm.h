@@ -25,7 +25,7 @@ enum class EBatchForm { Tsv, Csv, Jsonl };
 // A result.
 struct CBatchColumn {
     std::string strName;
-    bool bNumber = false; // in JSON without quotation marks
+    bool bJson = false; // JSON as it is: in JSON without quotation marks
 };
 
 class CBatchForm {

@@ -121,7 +121,7 @@ class CObjects : public CBatchForm {
         strOut += strRecord.substr(0, nBrace);
         for (size_t i = 0; i < row.size(); ++i) {
             strOut += m_vLead[i];
-            strOut += row[i].empty() ? "null" : m_vColumn[i].bNumber ? row[i] : Dump(row[i]);
+            strOut += row[i].empty() ? "null" : m_vColumn[i].bJson ? row[i] : Dump(row[i]);
         }
         strOut += strRecord.substr(nBrace);
         if (strOut.back() != '\n') strOut += '\n';

@@ -15,39 +15,65 @@ void CBatchWorker::Answer(CBatchWork& work) {
     work.counts.nBytes = work.chunk.strText.size();
     std::string_view strRest = work.chunk.strText;
     for (CBatchRecord const& record : work.chunk.vRecord) {
-        AnswerRecord(work, strRest.substr(0, record.nSize), record.nKind);
+        CItem& item = m_vItem[m_nItems++];
+        item.strRecord = strRest.substr(0, record.nSize);
+        item.nWhat = Look(work, item.strRecord, record.nKind, item.strText);
+        if (m_nItems == m_vItem.size()) AnswerBlock(work);
         work.counts.nLines += record.nLines;
         strRest.remove_prefix(record.nSize);
     }
+    AnswerBlock(work);
 }
 
-void CBatchWorker::AnswerRecord(CBatchWork& work, std::string_view strRecord, EBatchRecord nKind) {
-    std::string& strMalformed = m_bRejects ? work.strRejects : work.strOut;
-    if (nKind == EBatchRecord::ByteOrderMark) {
-        work.strOut += strRecord;
-    } else if (std::exchange(work.bHeader, false)) {
-        work.strOut += m_strHeader;
-    } else if (nKind == EBatchRecord::Rest) {
-        strMalformed += strRecord;
-    } else if (std::string strFault = ReadRecord(strRecord, nKind); !strFault.empty()) {
-        strMalformed += strRecord;
-        ++work.counts.nRecords;
-        ++work.counts.nMalformed;
-        if (work.vFault.size() < BATCH_REPORTED) work.vFault.emplace_back(work.counts.nLines, std::move(strFault));
-    } else {
-        ++work.counts.nRecords;
-        if (m_answerer.Answer(m_strText, m_row)) ++work.counts.nFound;
-        m_form.Write(strRecord, m_row, work.strOut);
-    }
+// What a record is, with the text to look up; counts it.
+CBatchWorker::CItem::EWhat CBatchWorker::Look(CBatchWork& work, std::string_view strRecord, EBatchRecord nKind,
+                                              std::string& strText) {
+    if (nKind == EBatchRecord::ByteOrderMark) return CItem::EWhat::Copy;
+    if (std::exchange(work.bHeader, false)) return CItem::EWhat::Header;
+    if (nKind == EBatchRecord::Rest) return CItem::EWhat::Malformed;
+    ++work.counts.nRecords;
+    std::string strFault = ReadRecord(strRecord, nKind, strText);
+    if (strFault.empty()) return CItem::EWhat::Asked;
+    ++work.counts.nMalformed;
+    if (work.vFault.size() < BATCH_REPORTED) work.vFault.emplace_back(work.counts.nLines, std::move(strFault));
+    return CItem::EWhat::Malformed;
 }
 
-// The text to look up into m_strText; the reason when there is none.
-std::string CBatchWorker::ReadRecord(std::string_view strRecord, EBatchRecord nKind) {
+// The text to look up into strText; the reason when there is none.
+std::string CBatchWorker::ReadRecord(std::string_view strRecord, EBatchRecord nKind, std::string& strText) const {
     if (nKind == EBatchRecord::TooLong) return "more than " + Grouped(BATCH_LONGEST) + " bytes";
     if (nKind == EBatchRecord::Broken) return "a quotation mark in the wrong place, or without its counterpart";
     if (strRecord.find('\0') != std::string_view::npos) return "a NUL in it";
-    std::string strFault = m_form.Read(strRecord, m_strText);
-    return strFault.empty() && m_strText.find('\0') != std::string::npos ? "a NUL in it" : strFault;
+    std::string strFault = m_form.Read(strRecord, strText);
+    return strFault.empty() && strText.find('\0') != std::string::npos ? "a NUL in it" : strFault;
+}
+
+void CBatchWorker::AnswerBlock(CBatchWork& work) {
+    m_vText.clear();
+    for (size_t i = 0; i < m_nItems; ++i)
+        if (m_vItem[i].nWhat == CItem::EWhat::Asked) m_vText.push_back(m_vItem[i].strText);
+    m_answerer.Read(m_vText);
+    m_nAsked = 0;
+    for (size_t i = 0; i < m_nItems; ++i) Write(work, m_vItem[i]);
+    m_nItems = 0;
+}
+
+void CBatchWorker::Write(CBatchWork& work, CItem const& item) {
+    switch (item.nWhat) {
+    case CItem::EWhat::Copy:
+        work.strOut += item.strRecord;
+        break;
+    case CItem::EWhat::Header:
+        work.strOut += m_strHeader;
+        break;
+    case CItem::EWhat::Malformed:
+        (m_bRejects ? work.strRejects : work.strOut) += item.strRecord;
+        break;
+    case CItem::EWhat::Asked:
+        if (m_answerer.Answer(m_nAsked++, m_row)) ++work.counts.nFound;
+        m_form.Write(item.strRecord, m_row, work.strOut);
+        break;
+    }
 }
 
 } // namespace qe

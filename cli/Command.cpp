@@ -23,6 +23,7 @@ CCommand::CCommand(CCommonOptions const& common, std::vector<std::string> vColum
       m_strDic(common.strDic),
       m_strQuery(std::move(strQuery)),
       m_nForm(common.Form()),
+      m_bColours(common.HasColours()),
       m_output(m_nForm, std::move(vColumn), common.bHeader, std::cout) {}
 
 EExit CCommand::Run(std::vector<std::string> const& vText) {
@@ -71,6 +72,10 @@ void CCommand::Remark(std::string_view strQuery, std::string const& strText) con
 
 void CCommand::ReportNotFound(std::string_view strQuery, std::string const& strReason) {
     Remark(strQuery, strReason.empty() ? "not found" : "not found; " + strReason);
+    SetNotFound();
+}
+
+void CCommand::SetNotFound() {
     m_nStatus = std::max(m_nStatus, EXIT_NOT_FOUND);
 }
 

@@ -43,13 +43,16 @@ class CCommand {
 
     CDictionary& Dictionary() { return *m_dictionary; } // from Prepare on
     EForm Form() const { return m_nForm; }
+    bool HasColours() const { return m_bColours; }
 
-    void Print(CRow row) { m_output.Add(std::move(row)); }
+    void Print(CRow row, CRowExtra extra = {}) { m_output.Add(std::move(row), std::move(extra)); }
     void Remark(std::string const& strText) const;
     // The same about one query: "東京都: ...".
     void Remark(std::string_view strQuery, std::string const& strText) const;
     // Remarks that there is no answer, with the reason as far as there is one.
     void ReportNotFound(std::string_view strQuery, std::string const& strReason = "");
+    // There is no answer, as far as the exit status goes.
+    void SetNotFound();
 
   private:
     void AnswerAll(std::vector<std::string> const& vQuery);
@@ -60,6 +63,7 @@ class CCommand {
     std::optional<std::string> m_strDic;
     std::string m_strQuery;
     EForm m_nForm;
+    bool m_bColours;
     COutput m_output;
     std::optional<CDictionary> m_dictionary;
     EExit m_nStatus = EXIT_FOUND;

@@ -1,11 +1,16 @@
 // LatestCommand.cpp - `qeadrs latest`: from an address to its latest form.
 //
-// The API rewrites the address (PstAdrGetLatestAdr), but does not tell whether it knew it, and cuts what it writes.
-// The class tells both.
+// The address is read as people write it, and given in the dictionary's spelling. With --exact the API rewrites it
+// (PstAdrGetLatestAdr), but does not tell whether it knew it, and cuts what it writes: the class tells both.
 #include "cli/LatestCommand.h"
 
 #include "cli/Address.h"
 #include "cli/Command.h"
+#include "cli/Reading.h"
+#include "cli/Text.h"
+#include "text/AddressText.h"
+
+#include <optional>
 
 namespace qe {
 
@@ -15,10 +20,11 @@ bool AreEqual(char const* psz, char const* pszOther) {
     return psz == nullptr || pszOther == nullptr ? psz == pszOther : std::string_view(psz) == pszOther;
 }
 
-class CLatestCommand : public CCommand {
+std::vector<std::string> const COLUMNS = {"address", "postal_code", "old_code", "changed", "latest_code"};
+
+class CExactLatest : public CCommand {
   public:
-    explicit CLatestCommand(CCommonOptions const& common)
-        : CCommand(common, {"address", "postal_code", "old_code", "changed", "latest_code"}, "address") {}
+    explicit CExactLatest(CCommonOptions const& common) : CCommand(common, COLUMNS, "address") {}
 
   private:
     std::string ReadQuery(std::string const& strText) const override { return ReadAddressField(strText); }
@@ -62,10 +68,39 @@ class CLatestCommand : public CCommand {
     }
 };
 
+class CReadLatest : public CCommand {
+  public:
+    explicit CReadLatest(CCommonOptions const& common) : CCommand(common, COLUMNS, "address") {}
+
+  private:
+    // The text as it is: what is told of it counts its bytes.
+    std::string ReadQuery(std::string const& strText) const override {
+        ReadAddressText(strText);
+        return strText;
+    }
+
+    void Prepare() override { m_reader.emplace(Dictionary().Class()); }
+
+    void Answer(std::string const& strText) override {
+        std::string_view const strAddress = Trim(strText);
+        CReading const reading(Dictionary().Dic(), strText, m_reader->Read(strAddress, QETEXT_RENEW));
+        if (!reading.HasLatest()) return ReportNotFound(strAddress, reading.WhyNotFound());
+        CRowExtra extra;
+        if (HasColours()) extra.vMark = reading.LatestMarks();
+        if (Form() == EForm::Json) extra.strMembers = reading.Members();
+        Print(reading.LatestColumns(), std::move(extra));
+        std::string const strDoubt = reading.Doubt(true);
+        if (!strDoubt.empty()) Remark(strAddress, strDoubt);
+    }
+
+    std::optional<qeadrs::CAddressText> m_reader;
+};
+
 } // namespace
 
 EExit RunLatest(CLatestOptions const& options, CCommonOptions const& common) {
-    return CLatestCommand(common).Run(options.vText);
+    if (options.bExact) return CExactLatest(common).Run(options.vText);
+    return CReadLatest(common).Run(options.vText);
 }
 
 } // namespace qe

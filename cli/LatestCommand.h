@@ -12,10 +12,11 @@ namespace qe {
 
 struct CLatestOptions {
     std::vector<std::string> vText; // none: one per line from standard input
+    bool bExact = false;            // by the interfaces of the library alone
 };
 
-// Prints the answers, and remarks on standard error. Throws CFailure when it cannot go on; an address that the API's
-// record cannot hold ends the command before anything is looked up, unless it came from standard input.
+// Prints the answers, and remarks on standard error. Throws CFailure when it cannot go on; with bExact an address that
+// the API's record cannot hold ends the command before anything is looked up, unless it came from standard input.
 EExit RunLatest(CLatestOptions const& options, CCommonOptions const& common);
 
 } // namespace qe

@@ -22,16 +22,26 @@ constexpr char ZIP_HELP[] =
     "and floor; with --cities the code asked for, prefecture, city). In JSON a level that is absent is null.";
 
 constexpr char ADDR_HELP[] =
-    "Names are read from the front as the dictionary spells them: prefecture, city, town; the first or the first "
-    "two may be left out. Columns: postal code, old code, prefecture, city, town, rest (what was not read); with "
-    "--org the organisation when the code is its own, which needs all three names in the text; with --kana the "
-    "readings of the three names. An address may have 121 bytes.";
+    "An address is read as people write it; `qeadrs explain` tells how. Columns: postal code, old code, prefecture, "
+    "city, town as the dictionary spells them, rest (what stands behind the town); of several cities none is found "
+    "unless a town tells which; with --org the organisation when the code is its own, which needs a town; with "
+    "--kana the readings of the three names. On a terminal what the text leaves out is cyan, what it writes in "
+    "another way yellow. --json has all that was read. With --exact names have to be spelled as in the dictionary, "
+    "prefecture and city may be left out, and an address may have 121 bytes.";
 
 constexpr char LATEST_HELP[] =
-    "Columns: address (its latest form, whole where the library cuts it after 60 bytes), postal code and old code "
-    "(still those of the address as it was), changed (\"yes\": prefecture, city or town were replaced; \"no\"), "
-    "latest code (what `qeadrs addr` answers for the latest form). An address names its town, and may have 121 "
-    "bytes.";
+    "An address is read as for `qeadrs addr`, and names its town. Columns: address (its latest form, as the "
+    "dictionary spells it), postal code and old code (still those of the address as it was), changed (\"yes\": "
+    "prefecture, city or town were replaced; \"no\"), latest code (that of the latest form). A street of Kyoto "
+    "stays as it is. --json has both forms. On a terminal what the text has not is cyan, left out or new; what it "
+    "has in another form yellow. With --exact the address keeps the names that were not replaced as the text has "
+    "them; it is whole where the library cuts it after 60 bytes, and may have 121 itself.";
+
+constexpr char EXPLAIN_HELP[] =
+    "A line for each step: what it is about, the part of the text, what it was taken for. The last lines have how "
+    "sure the answer is, and the place: exact, folded (written in another way), supplied (names are left out), "
+    "several (places that fit), town_not_found, city_not_found, nothing. In JSON an object for each text, with all "
+    "that `qeadrs addr --json` tells, and the steps.";
 
 constexpr char FIND_HELP[] =
     "A text that begins with a whole prefecture stands for all below the levels that it names, any other one for "
@@ -69,6 +79,10 @@ void AddCommon(CLI::App& command, CCommonOptions& common) {
         ->excludes(command.get_option("--json"));
 }
 
+void AddExact(CLI::App& command, bool& bExact) {
+    command.add_flag("--exact", bExact, "names as the dictionary spells them, by the library's interfaces alone");
+}
+
 void AddZip(CLI::App& app, CZipOptions& options, CCommonOptions& common, EExit& nStatus) {
     CLI::App* const pZip = app.add_subcommand("zip", "addresses of postal codes");
     pZip->add_option("CODE", options.vCode,
@@ -89,6 +103,7 @@ void AddAddr(CLI::App& app, CAddrOptions& options, CCommonOptions& common, EExit
     pAddr->add_option("TEXT", options.vText, "addresses (none: one per line from standard input)");
     pAddr->add_option("--org", options.strOffice, "organisation there, as its name begins")->type_name("NAME");
     pAddr->add_flag("--kana", options.bKana, "readings, too");
+    AddExact(*pAddr, options.bExact);
     AddCommon(*pAddr, common);
     pAddr->footer(ADDR_HELP);
     pAddr->callback([&options, &common, &nStatus] { nStatus = RunAddr(options, common); });
@@ -97,9 +112,18 @@ void AddAddr(CLI::App& app, CAddrOptions& options, CCommonOptions& common, EExit
 void AddLatest(CLI::App& app, CLatestOptions& options, CCommonOptions& common, EExit& nStatus) {
     CLI::App* const pLatest = app.add_subcommand("latest", "old addresses in their latest form");
     pLatest->add_option("TEXT", options.vText, "addresses (none: one per line from standard input)");
+    AddExact(*pLatest, options.bExact);
     AddCommon(*pLatest, common);
     pLatest->footer(LATEST_HELP);
     pLatest->callback([&options, &common, &nStatus] { nStatus = RunLatest(options, common); });
+}
+
+void AddExplain(CLI::App& app, CExplainOptions& options, CCommonOptions& common, EExit& nStatus) {
+    CLI::App* const pExplain = app.add_subcommand("explain", "how addresses are read, step by step");
+    pExplain->add_option("TEXT", options.vText, "addresses (none: one per line from standard input)");
+    AddCommon(*pExplain, common);
+    pExplain->footer(EXPLAIN_HELP);
+    pExplain->callback([&options, &common, &nStatus] { nStatus = RunExplain(options, common); });
 }
 
 // Why the text is no number, "" when it is one.
@@ -167,6 +191,7 @@ void AddCommands(CLI::App& app, COptions& options, EExit& nStatus) {
     AddZip(app, options.zip, options.common, nStatus);
     AddAddr(app, options.addr, options.common, nStatus);
     AddLatest(app, options.latest, options.common, nStatus);
+    AddExplain(app, options.explain, options.common, nStatus);
     AddFind(app, options.find, options.common, nStatus);
     AddBrowse(app, options.browse, options.common, nStatus);
     AddRefine(app, options.refine, options.common, nStatus);

@@ -6,6 +6,7 @@
 #include "cli/AddrCommand.h"
 #include "cli/BatchCommand.h"
 #include "cli/BrowseCommand.h"
+#include "cli/ExplainCommand.h"
 #include "cli/Failure.h"
 #include "cli/FindCommand.h"
 #include "cli/LatestCommand.h"
@@ -24,6 +25,7 @@ struct COptions {
     CZipOptions zip;
     CAddrOptions addr;
     CLatestOptions latest;
+    CExplainOptions explain;
     CFindOptions find;
     CBrowseOptions browse;
     CRefineOptions refine;

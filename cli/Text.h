@@ -20,6 +20,11 @@ bool IsBlank(std::string_view strText);
 
 bool IsUtf8(std::string_view strText);
 
+// A byte that begins no character of UTF-8, but stands within one.
+inline bool IsWithinCharacter(char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+}
+
 // The text without the blanks before and behind it.
 std::string_view Trim(std::string_view strText);
 

@@ -31,7 +31,7 @@
 
 namespace qeadrs {
 
-// One step of a reading, for people.
+// One step of a reading, for people: `qeadrs explain`.
 struct CTextStep {
     std::string strStep; // snake_case, for programs: "code", "city", "town", "area", ...
     QETEXTSPAN span;     // of the text that it is about; length 0 for none

@@ -1,4 +1,5 @@
-// `qeadrs addr`: which code an address has, alone and for an organisation at it, and what was read of it.
+// `qeadrs addr`: which code an address has, alone and for an organisation at it, and what was read of it. Texts that the
+// two ways of reading take differently are asked for with --exact here, and as people write them in ReadingTest.cpp.
 #include "tests/cli/CliTest.h"
 
 #include <fcntl.h>
@@ -14,6 +15,11 @@ class QeadrsAddr : public CliTest {
   protected:
     CResult Addr(std::vector<std::string> vArgument, std::string const& strInput = "") {
         return Ask("addr", std::move(vArgument), strInput);
+    }
+    // The same with names as the dictionary spells them.
+    CResult Exact(std::vector<std::string> vArgument, std::string const& strInput = "") {
+        vArgument.insert(vArgument.begin(), "--exact");
+        return Addr(std::move(vArgument), strInput);
     }
     // The same over a dictionary of the test's own.
     CResult AddrIn(std::vector<CEntryText> const& vEntry, std::vector<std::string> vArgument) {
@@ -56,7 +62,7 @@ TEST_F(QeadrsAddr, ShowsThePrefectureOfACityNamedWithoutIt) {
 }
 
 TEST_F(QeadrsAddr, ShowsTheCityOfATownNamedWithoutItAndRemarksTheGuess) {
-    CResult const result = Addr({"皇居外苑１−１"});
+    CResult const result = Exact({"皇居外苑１−１"});
     EXPECT_EQ(result.nStatus, 0);
     EXPECT_EQ(result.strOut, "1000002\t100\t東京都\t千代田区\t皇居外苑\t１−１\n");
     EXPECT_EQ(result.strErr,
@@ -65,7 +71,7 @@ TEST_F(QeadrsAddr, ShowsTheCityOfATownNamedWithoutItAndRemarksTheGuess) {
 }
 
 TEST_F(QeadrsAddr, ShowsThePlaceOfTheCodeAlsoWhenTheTextNamesAnotherPrefecture) {
-    CResult const result = Addr({"大阪府皇居外苑"});
+    CResult const result = Exact({"大阪府皇居外苑"});
     EXPECT_EQ(result.strOut, "1000002\t100\t東京都\t千代田区\t皇居外苑\t\n");
     EXPECT_THAT(result.strErr, HasSubstr("no city recognised"));
 }
@@ -73,7 +79,7 @@ TEST_F(QeadrsAddr, ShowsThePlaceOfTheCodeAlsoWhenTheTextNamesAnotherPrefecture) 
 TEST_F(QeadrsAddr, RemarksThatATownHasCodesForItsPartsOnly) {
     CResult const result = AddrIn({{"1000000", {{0, "東京都"}, {1, "港区"}}},
                                    {"1000003", {{0, "東京都"}, {1, "港区"}, {2, "芝"}, {3, "１丁目"}}}},
-                                  {"東京都港区芝１丁目"});
+                                  {"--exact", "東京都港区芝１丁目"});
     EXPECT_EQ(result.strOut, "1000000\t100\t東京都\t港区\t芝\t１丁目\n");
     EXPECT_EQ(result.strErr, "qeadrs: 東京都港区芝１丁目: 芝 has codes for its parts only; this one is the city's\n");
 }
@@ -98,7 +104,7 @@ TEST_F(QeadrsAddr, IgnoresBlanksAroundTheAddress) {
 }
 
 TEST_F(QeadrsAddr, KeepsBlanksWithinTheAddress) {
-    CResult const result = Addr({"東京都　千代田区"});
+    CResult const result = Exact({"東京都　千代田区"});
     EXPECT_EQ(result.nStatus, 1);
     EXPECT_EQ(result.strErr, "qeadrs: 東京都　千代田区: not found; recognised: prefecture 東京都\n");
 }
@@ -121,7 +127,7 @@ TEST_F(QeadrsAddr, ReportsAnAddressThatIsNotThere) {
 
 TEST_F(QeadrsAddr, TellsWhichLevelsItRecognisedWithoutFindingACode) {
     CResult const result = AddrIn({{"1000003", {{0, "東京都"}, {1, "港区"}, {2, "芝"}, {3, "１丁目"}}}},
-                                  {"東京都１", "東京都港区", "港区芝２丁目"});
+                                  {"--exact", "東京都１", "東京都港区", "港区芝２丁目"});
     EXPECT_EQ(result.nStatus, 1);
     EXPECT_EQ(result.strOut, "");
     EXPECT_EQ(result.strErr, "qeadrs: 東京都１: not found; recognised: prefecture 東京都\n"
@@ -136,7 +142,7 @@ TEST_F(QeadrsAddr, DoesNotFindWhatIsNoUtf8) {
 }
 
 TEST_F(QeadrsAddr, KeepsQuietOnDemand) {
-    CResult const result = Addr({"-q", "--org", "架空", "架空", "皇居外苑"});
+    CResult const result = Exact({"-q", "--org", "架空", "架空", "皇居外苑"});
     EXPECT_EQ(result.nStatus, 1);
     EXPECT_EQ(result.strErr, "");
 }
@@ -144,13 +150,13 @@ TEST_F(QeadrsAddr, KeepsQuietOnDemand) {
 // --- what cannot be asked ------------------------------------------------------------------------------------------
 
 TEST_F(QeadrsAddr, TakesAnAddressThatFillsTheField) {
-    CResult const result = Addr({AddressOf(121)});
+    CResult const result = Exact({AddressOf(121)});
     EXPECT_EQ(result.nStatus, 0);
     EXPECT_EQ(result.strOut, "1000001\t100\t東京都\t千代田区\t千代田\t" + std::string(91, 'x') + "\n");
 }
 
 TEST_F(QeadrsAddr, RefusesAnAddressLongerThanTheFieldWithItsLength) {
-    CResult const result = Addr({AddressOf(122)});
+    CResult const result = Exact({AddressOf(122)});
     EXPECT_EQ(result.nStatus, 2);
     EXPECT_EQ(result.strOut, "");
     EXPECT_EQ(result.strErr, "qeadrs: \"東京都千代田区千代田" + std::string(30, 'x') +
@@ -158,11 +164,11 @@ TEST_F(QeadrsAddr, RefusesAnAddressLongerThanTheFieldWithItsLength) {
 }
 
 TEST_F(QeadrsAddr, DoesNotCountTheBlanksAroundAnAddress) {
-    EXPECT_EQ(Addr({"   " + AddressOf(121) + "　"}).nStatus, 0);
+    EXPECT_EQ(Exact({"   " + AddressOf(121) + "　"}).nStatus, 0);
 }
 
 TEST_F(QeadrsAddr, LooksNothingUpWhenOneOfTheAddressesIsTooLong) {
-    EXPECT_EQ(Addr({"東京都千代田区千代田", AddressOf(122)}).strOut, "");
+    EXPECT_EQ(Exact({"東京都千代田区千代田", AddressOf(122)}).strOut, "");
 }
 
 TEST_F(QeadrsAddr, RefusesAnEmptyAddress) {
@@ -176,7 +182,7 @@ TEST_F(QeadrsAddr, RefusesAnEmptyAddress) {
 }
 
 TEST_F(QeadrsAddr, SeesATooLongAddressBeforeItMissesTheDictionary) {
-    EXPECT_EQ(Run({"addr", AddressOf(122)}).nStatus, 2);
+    EXPECT_EQ(Run({"addr", "--exact", AddressOf(122)}).nStatus, 2);
 }
 
 TEST_F(QeadrsAddr, ReportsThatThereIsNoDictionary) {
@@ -281,17 +287,19 @@ TEST_F(QeadrsAddr, NamesNoOrganisationThatHasTheCodeOfItsTown) {
 }
 
 TEST_F(QeadrsAddr, RemarksThatAnOrganisationNeedsItsPrefecture) {
-    CResult const result = AddrIn(OFFICES, {"--org", "宮内庁", "千代田区千代田"});
+    CResult const result = AddrIn(OFFICES, {"--exact", "--org", "宮内庁", "千代田区千代田"});
     EXPECT_EQ(result.nStatus, 0);
     EXPECT_EQ(result.strOut, "1000001\t100\t東京都\t千代田区\t千代田\t\t\n");
     EXPECT_EQ(result.strErr, "qeadrs: 千代田区千代田: organisation 宮内庁 not found: the text names no prefecture\n");
 }
 
 TEST_F(QeadrsAddr, RemarksEveryNameThatAnOrganisationNeeds) {
-    EXPECT_THAT(AddrIn(OFFICES, {"--org", "宮内庁", "東京都千代田区"}).strErr, EndsWith("names no town\n"));
-    EXPECT_THAT(AddrIn(OFFICES, {"--org", "宮内庁", "千代田区"}).strErr,
+    EXPECT_THAT(AddrIn(OFFICES, {"--exact", "--org", "宮内庁", "東京都千代田区"}).strErr,
+                EndsWith("names no town\n"));
+    EXPECT_THAT(AddrIn(OFFICES, {"--exact", "--org", "宮内庁", "千代田区"}).strErr,
                 EndsWith("names no prefecture and no town\n"));
-    EXPECT_THAT(AddrIn(OFFICES, {"--org", "宮内庁", "丸の内"}).strErr, EndsWith("names no prefecture and no city\n"));
+    EXPECT_THAT(AddrIn(OFFICES, {"--exact", "--org", "宮内庁", "丸の内"}).strErr,
+                EndsWith("names no prefecture and no city\n"));
 }
 
 TEST_F(QeadrsAddr, TakesAnEmptyNameForNoOrganisation) {
@@ -319,7 +327,7 @@ TEST_F(QeadrsAddr, TakesANameOfSixtyFiveThousandBytesAndNoLongerOne) {
 // --- forms ---------------------------------------------------------------------------------------------------------
 
 TEST_F(QeadrsAddr, IsOneJsonObjectPerAddressOnDemand) {
-    EXPECT_EQ(Addr({"--json", "千代田区千代田１−１", "東京都利島村"}).strOut,
+    EXPECT_EQ(Exact({"--json", "千代田区千代田１−１", "東京都利島村"}).strOut,
               R"({"postal_code":"1000001","old_code":"100","prefecture":"東京都","city":"千代田区","town":"千代田",)"
               R"("rest":"１−１"})"
               "\n"
@@ -329,7 +337,7 @@ TEST_F(QeadrsAddr, IsOneJsonObjectPerAddressOnDemand) {
 }
 
 TEST_F(QeadrsAddr, HasAKeyForTheOrganisationAndTheReadingsInJson) {
-    EXPECT_EQ(Addr({"--json", "--kana", "--org", "架空", "東京都利島村"}).strOut,
+    EXPECT_EQ(Exact({"--json", "--kana", "--org", "架空", "東京都利島村"}).strOut,
               R"({"postal_code":"1000301","old_code":"10003","prefecture":"東京都","city":"利島村","town":null,)"
               R"("rest":null,"organisation":null,"prefecture_kana":"トウキョウト","city_kana":"トシマムラ",)"
               R"("town_kana":null})"
@@ -353,7 +361,7 @@ TEST_F(QeadrsAddr, IsATableOnATerminal) {
 // --- standard input ------------------------------------------------------------------------------------------------
 
 TEST_F(QeadrsAddr, GoesOnBehindALineThatIsNoAddress) {
-    CResult const result = Addr({}, "東京都\n\n" + AddressOf(122) + "\n東京都\0利島村\n"s + "東京都利島村\r\n");
+    CResult const result = Exact({}, "東京都\n\n" + AddressOf(122) + "\n東京都\0利島村\n"s + "東京都利島村\r\n");
     EXPECT_EQ(result.nStatus, 2);
     EXPECT_EQ(result.strOut, "1000301\t10003\t東京都\t利島村\t\t\n");
     EXPECT_EQ(result.strErr, "qeadrs: 東京都: not found; recognised: prefecture 東京都\n"

@@ -32,6 +32,7 @@ namespace {
 
 std::vector<std::string> const ZIP = {"--from", "tsv", "--column", "2", "--op", "zip"};
 std::vector<std::string> const ADDR = {"--from", "tsv", "--column", "1", "--op", "addr"};
+std::vector<std::string> const EXACT = {"--from", "tsv", "--column", "1", "--op", "addr", "--exact"};
 std::vector<std::string> const CSV = {"--from", "csv", "--column", "2", "--op", "addr"};
 std::vector<std::string> const JSONL = {"--from", "jsonl", "--column", "zip", "--op", "zip"};
 std::string const CHIYODA = "\t1000001\t100\t東京都\t千代田区\t千代田\t\t\t\t\t1\tfound";
@@ -84,14 +85,14 @@ TEST_F(BatchTest, TellsWhyAColumnCannotBeLookedUp) {
               "abc\t\t\t\t\t\t\t\t\t\t\tno postal code: it has 1 to 7 digits\n"
               "12345678\t\t\t\t\t\t\t\t\t\t\tno postal code: it has 1 to 7 digits\n");
     std::string const strLong(122, 'x');
-    EXPECT_EQ(Answers(ADDR, strLong + "\n" + strLong.substr(1) + "\n東京都架空\n"),
+    EXPECT_EQ(Answers(EXACT, strLong + "\n" + strLong.substr(1) + "\n東京都架空\n"),
               strLong + "\t\t\t\t\t\t\tno address: more than 121 bytes\n" + strLong.substr(1) +
                   "\t\t\t\t\t\t\tnot found\n東京都架空\t\t\t\t\t\t\tnot found; recognised: prefecture 東京都\n");
 }
 
 TEST_F(BatchTest, FillsTheLevelsThatATownTells) {
     EXPECT_EQ(
-        Answers(ADDR, "丸の内２\n"),
+        Answers(EXACT, "丸の内２\n"),
         "丸の内２\t1000005\t100\t東京都\t千代田区\t丸の内\t２\tfound; no city recognised; this is the first town "
         "of the dictionary that the text names\n");
 }
@@ -101,8 +102,13 @@ TEST_F(BatchTest, GivesTheLatestFormOfAnAddress) {
         {"4240001", {{0, "静岡県"}, {1, "清水市"}, {2, "港町"}}, 1},
         {"4240943", {{0, "静岡県"}, {1, "静岡市"}, {2, "清水区港町"}}},
     });
-    CResult const result = Run(WithDic("batch", strDic, {"--from", "tsv", "--column", "1", "--op", "latest"}),
-                               "清水市港町１\n静岡市清水区港町\n静岡市\n");
+    std::vector<std::string> vArgument = {"--from", "tsv", "--column", "1", "--op", "latest"};
+    std::string const strInput = "清水市港町１\n静岡市清水区港町\n静岡市\n";
+    EXPECT_EQ(Run(WithDic("batch", strDic, vArgument), strInput).strOut,
+              "清水市港町１\t静岡県静岡市清水区港町１\t4240001\t424\tyes\t4240943\tfound\n"
+              "静岡市清水区港町\t静岡県静岡市清水区港町\t4240943\t424\tno\t4240943\tfound\n"
+              "静岡市\t\t\t\t\t\tnot found; recognised: prefecture 静岡県, city 静岡市\n");
+    CResult const result = Run(WithDic("batch", strDic, With(vArgument, {"--exact"})), strInput);
     EXPECT_EQ(result.strOut, "清水市港町１\t静岡県静岡市清水区港町１\t4240001\t424\tyes\t4240943\tfound\n"
                              "静岡市清水区港町\t静岡市清水区港町\t4240943\t424\tno\t4240943\tfound\n"
                              "静岡市\t\t\t\t\t\tnot found; recognised: city 静岡市\n");
@@ -448,12 +454,13 @@ std::vector<std::string> CodeTexts(std::vector<CTownRow> const& vRow, size_t nCo
 class BatchBesideCommands : public BatchTest {
   protected:
     // What the batch says of each text is what the command prints and remarks of it, and nothing else does that.
-    void ExpectSame(std::string const& strDic, std::string const& strOp, std::vector<std::string> const& vText) {
+    void ExpectSame(std::string const& strDic, std::string const& strOp, std::vector<std::string> const& vText,
+                    std::vector<std::string> const& vOption = {}) {
         std::string strInput;
         for (std::string const& strText : vText) strInput += strText + '\n';
-        CResult const command = Run(WithDic(strOp, strDic, {}), strInput);
-        CResult const batch =
-            Run(WithDic("batch", strDic, {"--from", "tsv", "--column", "1", "--op", strOp, "--jobs", "3"}), strInput);
+        CResult const command = Run(WithDic(strOp, strDic, vOption), strInput);
+        std::vector<std::string> const vBatch = {"--from", "tsv", "--column", "1", "--op", strOp, "--jobs", "3"};
+        CResult const batch = Run(WithDic("batch", strDic, With(vBatch, vOption)), strInput);
         EXPECT_EQ(batch.nStatus, 0);
         std::vector<std::string> const vAnswer = Lines(batch.strOut);
         ASSERT_EQ(vAnswer.size(), vText.size());
@@ -509,7 +516,9 @@ TEST_F(BatchBesideCommands, AnswersAsTheyDoOnTheSample) {
     std::vector<CTownRow> const vRow = TownRows(SAMPLE_DIR "/utf_ken_all.csv");
     ExpectSame(Sample(), "zip", CodeTexts(vRow, 1000));
     ExpectSame(Sample(), "addr", AddressTexts(vRow, 1000));
+    ExpectSame(Sample(), "addr", AddressTexts(vRow, 1000), {"--exact"});
     ExpectSame(Sample(), "latest", AddressTexts(vRow, 1000));
+    ExpectSame(Sample(), "latest", AddressTexts(vRow, 1000), {"--exact"});
 }
 
 #ifdef QEADRS_TEST_DATA
@@ -518,7 +527,9 @@ TEST_F(BatchBesideCommands, AnswersAsTheyDoOnTheWholeData) {
     std::string const strDic = QEADRS_TEST_DATA "/qeadrs.dic";
     ExpectSame(strDic, "zip", CodeTexts(vRow, 1000));
     ExpectSame(strDic, "addr", AddressTexts(vRow, 1000));
+    ExpectSame(strDic, "addr", AddressTexts(vRow, 1000), {"--exact"});
     ExpectSame(strDic, "latest", AddressTexts(vRow, 1000));
+    ExpectSame(strDic, "latest", AddressTexts(vRow, 1000), {"--exact"});
 }
 #endif
 

@@ -146,6 +146,7 @@ TEST_F(QeadrsOpening, TellsThatTheProfileLibraryIsMissing) {
     for (char const* pszFolder : {"bin", "lib"}) fs::create_directories(Path(pszFolder));
     fs::copy_file(QEADRS_FILE, Path("bin/qeadrs"));
     fs::copy_file(QEADRS_LIBRARY, Path("lib/") + QEADRS_SONAME);
+    fs::copy_file(QETEXT_LIBRARY, Path("lib/") + QETEXT_SONAME);
     fs::copy_file(QEWIN_LIBRARY, Path("lib/libqewin.so"));
     CHandle const hError = open(Path("stderr").c_str(), O_WRONLY | O_CREAT, 0600);
     EXPECT_EQ(Wait(Start({Path("bin/qeadrs"), "zip", "1"}, m_environment, "/", hError, hError, hError)), 4);

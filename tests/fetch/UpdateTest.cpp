@@ -226,13 +226,13 @@ TEST_F(Update, TheNextEditionRenewsAddressesOfTheOneBeforeWhichIsKept) {
     EXPECT_TRUE(ReadFile(Path("qeadrs.dic.previous")) == strBefore);
     EXPECT_TRUE(ReadFile(Path("history/ken_all-2026-05.zip")) == strTowns);
     EXPECT_TRUE(ReadFile(Path("history/ken_all-2026-06.zip")) == m_strTowns);
-    EXPECT_THAT(Latest("東京都千代田区町0１−２"), StartsWith("東京都千代田区新町１−２\t"));
+    EXPECT_THAT(Latest("東京都千代田区町0 １−２"), StartsWith("東京都千代田区新町１−２\t"));
     EXPECT_THAT(Latest("東京都千代田区町1"), StartsWith("東京都千代田区町1\t"));
     // Two months on it still does, although the table of last month has no such town any more.
     vTown.push_back({"東京都", "千代田区", "町20", "マチ", "1000021"});
     m_strTowns = Zip({{"utf_ken_all.csv", Table(vTown)}}, 202607);
     ExpectRun();
-    EXPECT_THAT(Latest("東京都千代田区町0１−２"), StartsWith("東京都千代田区新町１−２\t"));
+    EXPECT_THAT(Latest("東京都千代田区町0 １−２"), StartsWith("東京都千代田区新町１−２\t"));
 }
 
 TEST_F(Update, OfTwoTablesOfOneMonthTheHistoryKeepsTheLast) {
