@@ -2,6 +2,7 @@
 // searched for the longest one that begins the text, once in memory and once in SQLite.
 #include "bench/Addresses.h"
 #include "bench/Benchmarks.h"
+#include "bench/PathTable.h"
 
 #include <algorithm>
 #include <ostream>
@@ -12,51 +13,6 @@
 namespace {
 
 using benchmark::DoNotOptimize;
-
-constexpr char SQL_TOWN[] = "SELECT path FROM town WHERE path <= ?1 ORDER BY path DESC LIMIT 1";
-
-// --- the yardstick: the longest path that begins the text ----------------------------------------------------------
-
-// Below(text) is the last path in order that is not above the text. When that does not begin the text, no path that
-// does is longer than what the two have in common.
-template <typename F>
-std::string_view LongestPath(std::string_view strText, F const& Below) {
-    while (!strText.empty()) {
-        std::string_view const strPath = Below(strText);
-        size_t const nCommon = static_cast<size_t>(
-            std::mismatch(strPath.begin(), strPath.end(), strText.begin(), strText.end()).first - strPath.begin());
-        if (nCommon == strPath.size()) return strPath;
-        strText = strText.substr(0, nCommon);
-    }
-    return {};
-}
-
-std::string_view LongestInMemory(std::vector<std::string> const& vPath, std::string_view strText) {
-    return LongestPath(strText, [&](std::string_view strKey) -> std::string_view {
-        auto const p = std::upper_bound(vPath.begin(), vPath.end(), strKey);
-        return p == vPath.begin() ? std::string_view() : std::string_view(*std::prev(p));
-    });
-}
-
-std::string_view LongestInSqlite(CStatement& select, std::vector<char>& vText, std::string_view strText) {
-    return LongestPath(strText, [&](std::string_view strKey) -> std::string_view {
-        select.Bind(1, strKey);
-        return select.CopyRows(vText) == 0 ? std::string_view() : std::string_view(vText.data(), vText.size() - 1);
-    });
-}
-
-void FillPaths(CSqlite& db, std::vector<std::string> const& vPath) {
-    db.Execute("BEGIN; CREATE TABLE town (path TEXT PRIMARY KEY) WITHOUT ROWID");
-    {
-        CStatement insert(db, "INSERT INTO town VALUES (?1)");
-        std::vector<char> vNothing;
-        for (std::string const& strPath : vPath) {
-            insert.Bind(1, strPath);
-            insert.CopyRows(vNothing);
-        }
-    }
-    db.Execute("COMMIT; ANALYZE");
-}
 
 // --- the loops -----------------------------------------------------------------------------------------------------
 
@@ -100,13 +56,13 @@ void AddLatest(CAddrDic& dic, std::string const& strGroup, std::vector<std::stri
 void AddYardsticks(std::string const& strGroup, std::vector<std::string> const& vText,
                    std::vector<std::string> const& vPath, CSqlite& db) {
     AddLoop(strGroup + "/lower_bound", vText,
-            [&vPath](std::string const& strText) { DoNotOptimize(LongestInMemory(vPath, strText)); });
+            [&vPath](std::string const& strText) { DoNotOptimize(LongestPathInMemory(vPath, strText)); });
     benchmark::RegisterBenchmark((strGroup + "/sqlite_memory").c_str(), [&vText, &db](benchmark::State& state) {
-        CStatement select(db, SQL_TOWN);
+        CStatement select(db, SQL_LONGEST_PATH);
         std::vector<char> vRow;
         size_t n = 0;
         for (auto _ : state) {
-            DoNotOptimize(LongestInSqlite(select, vRow, vText[n]));
+            DoNotOptimize(LongestPathInSqlite(select, vRow, vText[n]));
             if (++n == vText.size()) n = 0;
         }
     });
@@ -128,7 +84,7 @@ void AddOffices(CAddrDic& dic, std::vector<COfficeText> const& vOffice) {
 // How often the town that the library finds is the longest path in the list.
 void CompareTowns(CAddrDic& dic, std::vector<std::string> const& vText, std::vector<std::string> const& vPath,
                   CSqlite& db, bool bPref, char const* pszWhat, std::ostream& out) {
-    CStatement select(db, SQL_TOWN);
+    CStatement select(db, SQL_LONGEST_PATH);
     std::vector<char> vRow;
     size_t nSame = 0;
     for (std::string const& strText : vText) {
@@ -136,9 +92,9 @@ void CompareTowns(CAddrDic& dic, std::vector<std::string> const& vText, std::vec
         dic.DivideAddr(strText.c_str(), &addr);
         std::string strFound = addr.pszPref != nullptr && bPref ? addr.pszPref : "";
         for (char const* psz : {addr.pszCity, addr.pszTown}) strFound += psz == nullptr ? "" : psz;
-        if (LongestInMemory(vPath, strText) != LongestInSqlite(select, vRow, strText))
+        if (LongestPathInMemory(vPath, strText) != LongestPathInSqlite(select, vRow, strText))
             throw std::runtime_error("the two lists of towns answer differently for " + strText);
-        if (strFound == LongestInMemory(vPath, strText)) ++nSame;
+        if (strFound == LongestPathInMemory(vPath, strText)) ++nSame;
     }
     out << "same answers, " << pszWhat << ": " << nSame << " of " << vText.size() << '\n';
 }

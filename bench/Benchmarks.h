@@ -46,6 +46,10 @@ void RegisterAddressRecords(CBench& bench, std::ostream& out);
 // Tells first how often library and yardstick find the same town.
 void RegisterAddressText(CBench& bench, std::ostream& out);
 
+// Tells first how many addresses as people write them are read with their code, and how long single readings take;
+// throws when batches read otherwise, and when more than one in twenty is read wrongly.
+void RegisterReadings(CBench& bench, std::ostream& out);
+
 // Tells first how many addresses both sides find.
 void RegisterParts(CBench& bench, std::ostream& out);
 

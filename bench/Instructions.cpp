@@ -4,6 +4,8 @@
 #include "bench/AddressRecord.h"
 #include "bench/OpenApi.h"
 #include "bench/Questions.h"
+#include "bench/Spellings.h"
+#include "text/AddressText.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -22,6 +24,7 @@ namespace {
 
 constexpr size_t CALLS = 5000;    // each kind; counting takes a hundred times as long as running
 constexpr size_t FEW_CALLS = 100; // where one takes a thousand times as long
+constexpr size_t BATCH = 64;
 
 // The last question is asked once before: what the first call of all needs (resolving its symbol) is not counted.
 void Count(char const* pszWhat, size_t nQuestions, PFNASK const& Ask, size_t nLimit = CALLS) {
@@ -82,6 +85,19 @@ void CountAddresses(CAddrDic& dic, CQuestions const& questions) {
     });
 }
 
+// The index of names is there, and made where the dictionary has none, before any is counted: Count() asks once first.
+void CountReadings(CAddrDic& dic, CQuestions const& questions) {
+    std::vector<CSpelling> const vSpelling = MakeSpellings(questions);
+    std::vector<std::string_view> vText;
+    for (CSpelling const& spelling : vSpelling) vText.push_back(spelling.strText);
+    qeadrs::CAddressText text(dic);
+    Count("CAddressText::Read, as people write", vText.size(), [&](size_t n) { text.Read(vText[n]); });
+    Count("CAddressText::Read, as the table", vText.size(), [&](size_t n) { text.Read(vSpelling[n].strTable); });
+    std::vector<QETEXTREADING> vReading(BATCH);
+    Count("CAddressText::ReadBatch, 64 addresses", vText.size() / BATCH,
+          [&](size_t n) { text.ReadBatch(&vText[n * BATCH], BATCH, vReading.data()); });
+}
+
 } // namespace
 
 int main(int nArguments, char** ppszArgument) try {
@@ -92,7 +108,9 @@ int main(int nArguments, char** ppszArgument) try {
     CAddrDic& dic = dictionary.Dic();
     CountCodes(dic, MakeCodes(dictionary.Rows(), 7, NO_LIMIT), MakeOldCodes(dictionary.Rows(), NO_LIMIT),
                MakeCodes(dictionary.Rows(), 5, NO_LIMIT));
-    CountAddresses(dic, MakeQuestions(dic, CPlainTree(dic), CALLS));
+    CQuestions const questions = MakeQuestions(dic, CPlainTree(dic), CALLS);
+    CountAddresses(dic, questions);
+    CountReadings(dic, questions);
     return EXIT_SUCCESS;
 } catch (std::exception const& error) {
     std::cerr << "qeadrs_instructions: " << error.what() << '\n';

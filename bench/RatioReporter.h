@@ -1,7 +1,7 @@
 // RatioReporter.h - Google Benchmark's console output, and behind it one table of ratios.
 //
 // Benchmarks are named GROUP/SUBJECT. In a group the subjects "lower_bound", "unordered_map", "entry_by_entry",
-// "sqlite_memory" and "sqlite_file" are yardsticks; every other subject becomes a row of the table, with its time
+// "exact_search", "sqlite_memory" and "sqlite_file" are yardsticks; every other subject becomes a row of the table, with its time
 // divided by that of each yardstick.
 #ifndef QEADRS_BENCH_RATIOREPORTER_H
 #define QEADRS_BENCH_RATIOREPORTER_H

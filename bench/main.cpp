@@ -103,6 +103,7 @@ void CheckAndRegister(CBench& bench, std::ostream& out) {
     RegisterLookups(bench);
     RegisterAddressRecords(bench, out);
     RegisterAddressText(bench, out);
+    RegisterReadings(bench, out);
     RegisterParts(bench, out);
     RegisterBrowsing(bench, out);
     RegisterRefining(bench, out);
