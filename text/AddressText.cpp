@@ -48,6 +48,8 @@ class CAddressText::CImplementation {
         reader.SetSteps(pvStep);
         reader.Begin(strText);
         reader.ProbeTowns();
+        reader.ProbeNodes();
+        reader.ProbeNames();
         reader.Finish(nOptions, m_reading);
         reader.SetSteps(nullptr);
         m_reading.pCandidate = reader.Candidates().data();

@@ -16,7 +16,14 @@ namespace {
 enum EDigits : uint8_t { DIGITS_NONE = 0, DIGITS_ARABIC = 1, DIGITS_KANJI = 2 };
 
 constexpr uint32_t MALFORMED = 0xFFFFFFFF;
-constexpr size_t AT_ONCE = 8; // tokens, when one more is asked for
+constexpr uint32_t LAST_IN_TEXT = 0xFFFFFFFE; // m_nLast: that of the last token, in the text
+constexpr size_t AT_ONCE = 8;                 // tokens, when one more is asked for
+
+// Kana, kanji and their like, up to the surrogates. What folds to one of them is neither a digit nor anything special.
+constexpr uint32_t KANJI_FIRST = 0x3000;
+constexpr uint32_t KANJI_COUNT = 0xD800 - KANJI_FIRST;
+constexpr uint32_t KANJI_BYTES = 3;
+constexpr uint32_t FULL_WIDTH_HEAD = 0xEF; // first byte of full-width ASCII
 
 bool IsTail(std::string_view str, size_t nPos) {
     return (static_cast<unsigned char>(str[nPos]) & 0xC0) == 0x80;
@@ -79,7 +86,12 @@ uint16_t Voiced(uint32_t nKana, bool bSemi) {
     return bSemi ? p->nSemiVoiced : p->nVoiced;
 }
 
-// The last one to three bytes of a text, 0 where there is none.
+// Whether the byte begins one of them.
+bool MayBeginKanji(char ch) {
+    return static_cast<unsigned char>(ch) - 0xE3u <= 0xEDu - 0xE3u;
+}
+
+// The last one to three bytes of a text.
 uint32_t LastBytes(unsigned char const* pText, size_t nAt, size_t nText) {
     uint32_t nBytes = 0;
     for (unsigned nShift = 0; nAt < nText; nShift += 8) nBytes |= uint32_t{pText[nAt++]} << nShift;
@@ -161,96 +173,106 @@ void CFoldedText::Begin(std::string_view strText, uint32_t nOptions) {
     m_nDigits = DIGITS_NONE;
     m_bEnd = false;
     anToken[0] = 0;
+    abInNumber[0] = false;
 }
 
-// Characters of one or three bytes that stand for themselves or for one other: nearly all of an address, so that this
-// keeps to registers, and goes on by branches: a length that is computed would make each character wait for the one
-// before. Kana and kanji, most of them, are told by two comparisons. Stops in front of all else.
-void CFoldedText::ExtendByPlainOnes(size_t nWanted) {
-    constexpr uint32_t FIRST = 0x3000; // from here on up to the surrogates: nothing special, and no digit
-    constexpr uint32_t COUNT = 0xD800 - FIRST;
+// Kana and kanji, each of three bytes and for itself or one other: most of an address, so that this keeps to registers.
+// Stops in front of all else.
+void CFoldedText::ExtendByKanji(size_t nWanted) {
     auto const* const pText = reinterpret_cast<unsigned char const*>(m_strText.data());
+    size_t const nText = m_strText.size();
+    size_t const nFours = nText - std::min(nText, sizeof(uint32_t) - 1); // in front of it four bytes can be read
     uint16_t const* const pBlockOf = FOLD_BLOCK_OF;
     uint16_t const* const pDifference = FOLD_DIFFERENCE[0];
+    size_t n = nCount;
+    size_t nAt = nRead;
+    for (; n < nWanted; ++n) {
+        uint32_t nBytes;
+        if (nAt < nFours)
+            std::memcpy(&nBytes, pText + nAt, sizeof nBytes);
+        else
+            nBytes = LastBytes(pText, nAt, nText);
+        uint32_t const nBlock = (nBytes & 0x0F) << 6 | (nBytes >> 8 & 0x3F);
+        uint32_t const nPlace = nBytes >> 16 & 0x3F;
+        uint32_t const nCharacter = nBlock << 6 | nPlace;
+        uint32_t const nFolded = nCharacter ^ pDifference[uint32_t{pBlockOf[nBlock]} << 6 | nPlace];
+        if ((nBytes & 0xC0C0F0) != 0x8080E0) break;
+        if (nCharacter - KANJI_FIRST >= KANJI_COUNT || nFolded - KANJI_FIRST >= KANJI_COUNT) break;
+        anToken[n] = static_cast<uint16_t>(nFolded);
+        anBegin[n] = static_cast<uint32_t>(nAt);
+        nAt += KANJI_BYTES;
+        anEnd[n] = static_cast<uint32_t>(nAt);
+        abInNumber[n] = false;
+    }
+    if (n == nCount) return;
+    m_nDigits = DIGITS_NONE;
+    m_nLast = LAST_IN_TEXT;
+    nCount = n;
+    nRead = nAt;
+}
+
+// What folds to ASCII, of half or full width, and blanks: digits, dashes, letters. Stops in front of all else.
+void CFoldedText::ExtendByAscii(size_t nWanted) {
+    auto const* const pText = reinterpret_cast<unsigned char const*>(m_strText.data());
     size_t const nText = m_strText.size();
     size_t n = nCount;
     size_t nAt = nRead;
-    uint32_t nLast = m_nLast;
-    bool bDigit = m_nDigits == DIGITS_ARABIC;
-    auto const Put = [&](uint32_t nCharacter, uint32_t nFolded, bool bDigitHere, size_t nSize) {
-        anToken[n] = static_cast<uint16_t>(nFolded);
-        anBegin[n] = static_cast<uint32_t>(nAt);
-        anEnd[n] = static_cast<uint32_t>(nAt + nSize);
-        abInNumber[n++] = bDigit && bDigitHere;
-        bDigit = bDigitHere;
-        nLast = nCharacter;
-        nAt += nSize;
-    };
-    while (n < nWanted) {
-        uint32_t nBytes;
-        if (nAt + sizeof nBytes <= nText)
-            std::memcpy(&nBytes, pText + nAt, sizeof nBytes);
-        else if ((nBytes = LastBytes(pText, nAt, nText)) == 0)
+    bool bBehindDigit = m_nDigits == DIGITS_ARABIC;
+    while (n < nWanted && nAt < nText) {
+        uint32_t nCharacter = pText[nAt];
+        size_t nEnd = nAt + 1;
+        if (nCharacter == FULL_WIDTH_HEAD && nAt + 3 <= nText && IsTail(m_strText, nAt + 1) &&
+            IsTail(m_strText, nAt + 2)) {
+            nCharacter = 0xF000 | Tail(m_strText, nAt + 1) << 6 | Tail(m_strText, nAt + 2);
+            nEnd = nAt + 3;
+        } else if (nCharacter >= 0x80) {
             break;
-        if ((nBytes & 0xC0C0F0) == 0x8080E0) {
-            uint32_t const nBlock = (nBytes & 0x0F) << 6 | (nBytes >> 8 & 0x3F);
-            uint32_t const nPlace = nBytes >> 16 & 0x3F;
-            uint32_t const nCharacter = nBlock << 6 | nPlace;
-            uint32_t const nFolded = nCharacter ^ pDifference[uint32_t{pBlockOf[nBlock]} << 6 | nPlace];
-            if (nCharacter - FIRST < COUNT && nFolded - FIRST < COUNT) {
-                Put(nCharacter, nFolded, false, 3);
-                continue;
-            }
-            bool const bFullWidth = nCharacter >= 0xFF00; // digits and dashes above all
-            if (!bFullWidth || IsSpecial(static_cast<uint16_t>(nFolded))) break;
-            Put(nCharacter, nFolded, IsDigitToken(static_cast<uint16_t>(nFolded)), 3);
-        } else {
-            uint32_t const nCharacter = nBytes & 0xFF;
-            if (nCharacter >= 0x80) break;
-            uint32_t const nPlace = nCharacter & 0x3F;
-            uint32_t const nFolded = nCharacter ^ pDifference[uint32_t{pBlockOf[nCharacter >> 6]} << 6 | nPlace];
-            if (nFolded == FOLD_BLANK) {
-                bDigit = false;
-                nLast = 0;
-                ++nAt;
-                continue;
-            }
-            if (IsSpecial(static_cast<uint16_t>(nFolded))) break;
-            Put(nCharacter, nFolded, IsDigitToken(static_cast<uint16_t>(nFolded)), 1);
         }
+        uint16_t const nFolded = FoldBasic(nCharacter);
+        if (nFolded >= 0x80 && nFolded != FOLD_BLANK) break;
+        bool const bDigit = IsDigitToken(nFolded);
+        anToken[n] = nFolded;
+        anBegin[n] = static_cast<uint32_t>(nAt);
+        anEnd[n] = static_cast<uint32_t>(nEnd);
+        abInNumber[n] = bDigit && bBehindDigit;
+        n += nFolded != FOLD_BLANK;
+        m_nLast = nFolded == FOLD_BLANK ? 0 : LAST_IN_TEXT;
+        bBehindDigit = bDigit;
+        nAt = nEnd;
     }
     if (nAt == nRead) return;
-    m_nDigits = bDigit ? DIGITS_ARABIC : DIGITS_NONE;
-    m_nLast = nLast;
+    m_nDigits = bBehindDigit ? DIGITS_ARABIC : DIGITS_NONE;
     nCount = n;
     nRead = nAt;
+}
+
+// Any character.
+void CFoldedText::ExtendByOne() {
+    size_t nSize;
+    uint32_t const nCharacter = Decode(m_strText, nRead, nSize);
+    uint16_t const nFolded = nCharacter > 0xFFFF ? uint16_t{0} : FoldBasic(nCharacter);
+    if (nCharacter > 0xFFFF || IsSpecial(nFolded)) return Special(nFolded, nCharacter, nSize);
+    bool const bDigit = IsDigitToken(nFolded);
+    Append(nFolded, static_cast<uint32_t>(nRead), static_cast<uint32_t>(nRead + nSize),
+           bDigit && m_nDigits == DIGITS_ARABIC);
+    nRead += nSize;
+    m_nDigits = bDigit ? DIGITS_ARABIC : DIGITS_NONE;
+    m_nLast = nCharacter;
 }
 
 void CFoldedText::Extend(size_t nTokens) {
     size_t const nWanted = std::min(std::max(nTokens + 1, nCount + AT_ONCE), LIMIT);
     while (nCount < nWanted && nRead < m_strText.size()) {
-        ExtendByPlainOnes(nWanted);
-        if (nCount >= nWanted || nRead >= m_strText.size()) break;
-        size_t nSize;
-        uint32_t const nCharacter = Decode(m_strText, nRead, nSize);
-        uint16_t const nFolded = nCharacter > 0xFFFF ? uint16_t{0} : FoldBasic(nCharacter);
-        if (nFolded == FOLD_BLANK) {
-            nRead += nSize;
-            m_nDigits = DIGITS_NONE;
-            m_nLast = 0;
-        } else if (nCharacter > 0xFFFF || IsSpecial(nFolded)) {
-            Special(nFolded, nCharacter, nSize);
-        } else {
-            bool const bDigit = IsDigitToken(nFolded);
-            Append(nFolded, static_cast<uint32_t>(nRead), static_cast<uint32_t>(nRead + nSize),
-                   bDigit && m_nDigits == DIGITS_ARABIC);
-            nRead += nSize;
-            m_nDigits = bDigit ? DIGITS_ARABIC : DIGITS_NONE;
-            m_nLast = nCharacter;
-        }
+        size_t const nBefore = nRead;
+        if (MayBeginKanji(m_strText[nRead]))
+            ExtendByKanji(nWanted);
+        else
+            ExtendByAscii(nWanted);
+        if (nRead == nBefore) ExtendByOne();
     }
     m_bEnd = nRead >= m_strText.size() || nCount >= LIMIT;
     anToken[nCount] = 0;
+    abInNumber[nCount] = false;
 }
 
 // Whether a town begins at a token: nothing stands in front of it, or what ends a city's name.
@@ -258,6 +280,12 @@ bool CFoldedText::BeginsTown(size_t nToken) const {
     if (nToken == 0) return true;
     uint16_t const n = anToken[nToken - 1];
     return n == TOKEN_CITY || n == TOKEN_WARD || n == TOKEN_TOWN || n == TOKEN_VILLAGE;
+}
+
+// The character right in front, 0 where something was dropped in between.
+uint32_t CFoldedText::Last() const {
+    size_t nSize;
+    return m_nLast == LAST_IN_TEXT ? Decode(m_strText, anBegin[nCount - 1], nSize) : m_nLast;
 }
 
 // Characters that are dropped, depend on their neighbours, or lie beyond the basic plane.
@@ -277,7 +305,7 @@ void CFoldedText::Special(uint16_t nFolded, uint32_t nCharacter, size_t nSize) {
         return;
     }
     uint8_t const nDigits = m_nDigits;
-    uint32_t const nLast = m_nLast; // 0 where something was dropped in between
+    uint32_t const nLast = Last();
     m_nDigits = DIGITS_NONE;
     m_nLast = 0;
     switch (nFolded) {

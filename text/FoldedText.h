@@ -54,7 +54,7 @@ class CFoldedText {
     }
 
     // Whether a name that ends behind nTokens tokens may end there. REQUIRES: Has(nTokens).
-    bool MayEnd(size_t nTokens) const { return nTokens >= nCount || !abInNumber[nTokens]; }
+    bool MayEnd(size_t nTokens) const { return !abInNumber[nTokens]; }
 
     // The text that was given, and its bytes from one token to the one before another.
     std::string_view Text() const { return m_strText; }
@@ -65,7 +65,10 @@ class CFoldedText {
 
   private:
     void Extend(size_t nTokens);
-    void ExtendByPlainOnes(size_t nWanted);
+    void ExtendByKanji(size_t nWanted);
+    void ExtendByAscii(size_t nWanted);
+    void ExtendByOne();
+    uint32_t Last() const;
     bool BeginsTown(size_t nToken) const;
     void DropSize(uint32_t nLast);
     void AppendBeyondBasic(uint32_t nCharacter, uint32_t nBegin, uint32_t nEnd, uint8_t nDigits);
@@ -80,7 +83,7 @@ class CFoldedText {
 
     std::string_view m_strText;
     uint32_t m_nOptions = 0;
-    uint32_t m_nLast = 0;  // the character right in front, 0 when it was dropped or there is none
+    uint32_t m_nLast = 0;  // the character right in front, 0 when it was dropped or there is none, or LAST_IN_TEXT
     uint8_t m_nDigits = 0; // script of the digit right in front: 0 no digit, 1 Arabic, 2 kanji
     bool m_bEnd = true;
 };

@@ -114,7 +114,7 @@ uint32_t CTextReader::Foldings(size_t nFirstByte, size_t nFirst, size_t nEnd, st
     std::string_view const strText = m_folded.Text();
     if (m_folded.Bytes(nFirst, nEnd) == strName)
         return KindsOf(Between(strText, nFirstByte, m_folded.anBegin[nFirst]));
-    m_name.Fold(strName, m_nFoldOptions);
+    FoldName(strName, m_nFoldOptions);
     uint32_t nKinds = 0;
     size_t nText = nFirstByte; // bytes looked at, of both
     size_t nName = 0;
@@ -292,7 +292,8 @@ void CTextReader::AnswerNothing(QETEXTREADING& reading) {
     for (uint32_t i = 0; i < std::min<uint32_t>(HeaderWord(pImage, HDR_PREF_COUNT), 1000); ++i) {
         tagADDRNODE const* const pPref = m_dic.GetAddrNode(nFirst + i);
         if (pPref == nullptr || pPref->nLevel != LEVEL_PREF) break;
-        size_t const nTokens = MatchedTokens(NodeName(m_dic, *pPref), 0);
+        bool bExact = false;
+        size_t const nTokens = MatchedTokens(NodeName(m_dic, *pPref), 0, bExact);
         if (nTokens == 0 || !m_folded.MayEnd(nTokens)) continue;
         reading.nSureness = QETEXT_CITY_NOT_FOUND;
         reading.place = PlaceOf(nFirst + i);
@@ -438,25 +439,16 @@ bool CTextReader::HasShorterDivided(size_t nTokens) const {
 // The plain case, most of all addresses: one city of the name, one town of it, no parts. Answers as the long way does, or
 // not at all.
 bool CTextReader::AnswerPlainly(QETEXTREADING& reading) {
-    if (m_nProbes == 0 || IsTelling()) return false;
+    if (m_nFound != 1 || IsTelling()) return false;
     CCityLength const& length = m_aLength[m_nLengths - 1];
     if (!length.bOnly) return false;
-    uint32_t nTown = TEXT_FREE;
-    size_t nTowns = 0;
+    uint32_t const nTown = m_nFoundValue;
     CTown town;
-    for (size_t i = m_nProbes; i-- > 0 && nTowns == 0;) {
-        CTextIndex::ForEach(m_towns, m_aProbe[i].hash, [&](uint32_t nValue) {
-            nTown = nValue;
-            return ++nTowns > 1;
-        });
-        town.nEnd = length.nTokens + m_aProbe[i].nTokens;
-    }
-    if (nTowns != 1 || (nTown & TOWN_DIVIDED) != 0) return false;
+    town.nEnd = length.nTokens + m_nFoundTokens;
+    if ((nTown & TOWN_DIVIDED) != 0) return false;
     if (GoesOnInWords(town.nEnd) && HasShorterDivided(town.nEnd - length.nTokens)) return false;
     tagADDRNODE const* const pTown = m_dic.GetAddrNode(nTown & TOWN_NODE);
     if (pTown == nullptr || pTown->nInfo == ADDR_NONE) return false;
-    Prefetch(m_dic.GetString(pTown->nName));
-    Prefetch(m_dic.GetAddrInfo(pTown->nInfo));
     if (!ReadCity(length.nValue, length.nTokens, town.city) || town.city.bKyoto) return false;
     town.nBegin = length.nTokens;
     if (!IsTown(town, nTown) || HasGap(town) || IsPartOfName(town)) return false;
@@ -494,6 +486,7 @@ void CTextReader::ReadAgain(QETEXTREADING& reading) {
             Step("again", {0, 0}, "大 or 小 in front of 字 may belong to the name before it");
         m_nFoldOptions = nOptions;
         m_folded.Begin(m_strText.substr(m_nBase), nOptions);
+        BeginCities();
         FindCities();
         Answer(reading);
         if (reading.town.nLength != 0 && reading.town.nOffset + reading.town.nLength > nTown) return;

@@ -81,7 +81,7 @@ struct CTextReader::CRuleFindings {
 bool CTextReader::IsBelow(CTown const& town, uint32_t nNode, size_t nBegin, size_t nEnd, std::string_view& strPart) {
     tagADDRNODE const* const pNode = m_dic.GetAddrNode(nNode);
     if (pNode == nullptr || pNode->nParent != town.nNode || !IsDivision(*pNode)) return false;
-    m_name.Fold(NodeName(m_dic, *pNode));
+    FoldName(NodeName(m_dic, *pNode));
     uint16_t const* const pText = m_folded.anToken + nBegin;
     size_t const nTokens = nEnd - nBegin;
     strPart = m_name.Bytes(0, m_name.nCount);
@@ -136,7 +136,7 @@ uint32_t CTextReader::FindStreetArea(CTown const& town) {
     uint32_t nFound = ADDR_NONE;
     ForEachChild(m_dic, *m_dic.GetAddrNode(town.nNode), [&](uint32_t nNode, tagADDRNODE const& node) {
         if (node.nLevel != LEVEL_AREA || !IsDivision(node)) return false;
-        m_name.Fold(NodeName(m_dic, node));
+        FoldName(NodeName(m_dic, node));
         size_t nBegin = 0; // of each street of a list
         for (size_t n = 0; n <= m_name.nCount; ++n) {
             if (n < m_name.nCount && m_name.anToken[n] != TOKEN_COMMA) continue;
@@ -191,7 +191,7 @@ EFit CTextReader::FitOf(tagAREARULE const& rule, CTown const& town, CHouseNumber
     if (pNode == nullptr || pNode->nParent != town.nNode) return EFit::No;
     CHouseNumber below;
     if (rule.nPlace != 0) {
-        m_name.Fold(NodeName(m_dic, *pNode));
+        FoldName(NodeName(m_dic, *pNode));
         size_t const nPlace = rule.nPlace;
         if (nPlace > m_name.nCount || !m_folded.Has(town.nEnd + nPlace)) return EFit::No;
         if (!std::equal(m_name.anToken, m_name.anToken + nPlace, m_folded.anToken + town.nEnd)) return EFit::No;
@@ -238,7 +238,7 @@ bool CTextReader::ReadFloor(uint32_t nBuilding, size_t nBegin, CDivision& divisi
             division.vNode.push_back(nNode);
             return false;
         }
-        m_name.Fold(NodeName(m_dic, node));
+        FoldName(NodeName(m_dic, node));
         bool const bSame = m_name.nCount == nEnd - n + 1 && m_name.anToken[m_name.nCount - 1] == TOKEN_FLOOR &&
                            std::equal(m_folded.anToken + n, m_folded.anToken + nEnd, m_name.anToken);
         if (bSame) division.vNode.assign(1, nNode);

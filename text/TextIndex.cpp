@@ -35,12 +35,18 @@ bool CTextIndex::Bind(unsigned char const* p, size_t nSize) {
     if (!Lies(pHeader[TXT_CITIES], pHeader[TXT_CITY_COUNT], sizeof(tagTEXTCITY), nIndex)) return false;
     if (!Lies(pHeader[TXT_TOWN_SLOTS], pHeader[TXT_TOWN_COUNT], sizeof(tagTEXTSLOT), nIndex)) return false;
     if (!Lies(pHeader[TXT_RULES], pHeader[TXT_RULE_COUNT], sizeof(tagAREARULE), nIndex)) return false;
+    uint32_t const nPairBits = pHeader[TXT_PAIR_BITS];
+    if (nPairBits < PAIR_BITS_FEWEST || nPairBits > PAIR_BITS_MOST) return false;
+    if (!Lies(pHeader[TXT_PAIRS], uint64_t{1} << (nPairBits - PAIR_BITS_FEWEST), sizeof(uint32_t), nIndex))
+        return false;
     m_pHeader = pHeader;
     m_cities.pSlot = RecordsAt<tagTEXTSLOT>(p + pHeader[TXT_CITY_SLOTS]);
     m_cities.nBits = nBits;
     m_pCity = RecordsAt<tagTEXTCITY>(p + pHeader[TXT_CITIES]);
     m_pTown = RecordsAt<tagTEXTSLOT>(p + pHeader[TXT_TOWN_SLOTS]);
     m_pRule = RecordsAt<tagAREARULE>(p + pHeader[TXT_RULES]);
+    m_pPair = RecordsAt<uint32_t>(p + pHeader[TXT_PAIRS]);
+    m_nPairBits = nPairBits;
     m_nLast = pHeader[TXT_LAST_COUNT];
     for (uint32_t i = 0; i < TEXT_LAST_TOKENS; ++i)
         m_anLast[i] = static_cast<uint16_t>(pHeader[TXT_LAST + i / 2] >> 16 * (i % 2));

@@ -34,7 +34,9 @@ enum tagTEXTHEADER : unsigned {
     TXT_CITY_TOKENS = 12, // tokens of the longest city name, prefecture included
     TXT_LAST_COUNT = 13,  // number of tokens that city names end with; 0: too many to be listed
     TXT_LAST = 14,        // these tokens, two in a word: 市 区 町 村 (up to TEXT_LAST_TOKENS)
-    TXT_WORDS = 18,
+    TXT_PAIRS = 18,       // set of the pairs of tokens in towns' names: offset ...
+    TXT_PAIR_BITS = 19,   // ... and its size in bits, as a power of two
+    TXT_WORDS = 20,
 };
 constexpr unsigned TXT_BYTES = 4 * TXT_WORDS;
 constexpr unsigned TEXT_LAST_TOKENS = 8;
@@ -105,6 +107,19 @@ class CTextHash {
 constexpr uint32_t TEXT_CITY_PARENT = ADDR_NONE; // what city names are below
 constexpr uint16_t TOKEN_RULES = 0xFFFF;         // below a town: the only token of its rules' key
 
+// Tokens that stand side by side in some town's name: a bit for each pair, which pairs of other tokens may share.
+class CTokenPair {
+  public:
+    CTokenPair(uint16_t nFirst, uint16_t nSecond) : m_n((uint32_t{nFirst} << 16 | nSecond) * MULTIPLIER) {}
+    uint32_t Bit(uint32_t nBits) const { return m_n >> (32 - nBits); }
+
+  private:
+    static constexpr uint32_t MULTIPLIER = 0x9E3779B1;
+    uint32_t m_n;
+};
+constexpr uint32_t PAIR_BITS_FEWEST = 5; // a word
+constexpr uint32_t PAIR_BITS_MOST = 28;  // more than there are pairs
+
 // An index that can be read: every access within it.
 class CTextIndex {
   public:
@@ -131,8 +146,9 @@ class CTextIndex {
         uint32_t nSlot = hash.Slot(table.nBits);
         for (uint32_t nLeft = std::min(table.Mask() + 1, TEXT_PROBES); nLeft != 0; --nLeft) {
             tagTEXTSLOT const& slot = table.pSlot[nSlot];
+            // Whether a slot is free is anybody's guess, but few have the check: that comes first.
+            if (slot.nCheck == nCheck && slot.nValue != TEXT_FREE && visit(slot.nValue)) return;
             if (slot.nValue == TEXT_FREE) return;
-            if (slot.nCheck == nCheck && visit(slot.nValue)) return;
             nSlot = (nSlot + 1) & table.Mask();
         }
     }
@@ -156,6 +172,11 @@ class CTextIndex {
             if (m_anLast[i] == nToken) return true;
         return false;
     }
+    // Whether the second token may stand behind the first in a town's name; false: it does in none.
+    bool MayGoOn(uint16_t nFirst, uint16_t nSecond) const {
+        uint32_t const nBit = CTokenPair(nFirst, nSecond).Bit(m_nPairBits);
+        return (m_pPair[nBit / 32] >> nBit % 32 & 1) != 0;
+    }
     size_t CityTokens() const { return m_pHeader[TXT_CITY_TOKENS]; }
 
   private:
@@ -164,6 +185,8 @@ class CTextIndex {
     tagTEXTCITY const* m_pCity = nullptr;
     tagTEXTSLOT const* m_pTown = nullptr;
     tagAREARULE const* m_pRule = nullptr;
+    uint32_t const* m_pPair = nullptr;
+    uint32_t m_nPairBits = PAIR_BITS_FEWEST;
     uint32_t m_nLast = 0;
     uint16_t m_anLast[TEXT_LAST_TOKENS] = {};
     uint64_t m_nLastBits = 0; // of the low six bits of these

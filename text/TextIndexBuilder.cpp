@@ -12,6 +12,7 @@
 #include <set>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace qeadrs {
 
@@ -146,6 +147,7 @@ class CTextIndexBuilder {
         std::u16string const strTokens = Tokens(NodeName(m_dic, town));
         if (strTokens.empty()) return;
         AddLength(city.anTownLengths, strTokens.size());
+        for (size_t i = 1; i < strTokens.size(); ++i) m_pair.insert(uint32_t{strTokens[i - 1]} << 16 | strTokens[i]);
         vName.push_back({HashOf(m_nFirstCity + nCity, strTokens), nTown | (bDivided ? TOWN_DIVIDED : 0)});
     }
 
@@ -235,6 +237,20 @@ class CTextIndexBuilder {
         return meaning.nOpenBlock;
     }
 
+    // --- pairs of tokens ---
+
+    // Four bits and more for each pair: of others one in five at most is taken for one of them.
+    std::vector<uint32_t> MakePairs(uint32_t& nBits) const {
+        nBits = PAIR_BITS_FEWEST;
+        while (nBits < PAIR_BITS_MOST && (size_t{1} << nBits) < 4 * m_pair.size()) ++nBits;
+        std::vector<uint32_t> vWord(size_t{1} << (nBits - PAIR_BITS_FEWEST));
+        for (uint32_t const n : m_pair) {
+            uint32_t const nBit = CTokenPair(static_cast<uint16_t>(n >> 16), static_cast<uint16_t>(n)).Bit(nBits);
+            vWord[nBit / 32] |= uint32_t{1} << nBit % 32;
+        }
+        return vWord;
+    }
+
     // --- the bytes ---
 
     template <typename T>
@@ -262,6 +278,7 @@ class CTextIndexBuilder {
         anHeader[TXT_TOWN_COUNT] = static_cast<uint32_t>(m_vTownSlot.size());
         anHeader[TXT_RULES] = AppendSection(m_vRule);
         anHeader[TXT_RULE_COUNT] = static_cast<uint32_t>(m_vRule.size());
+        anHeader[TXT_PAIRS] = AppendSection(MakePairs(anHeader[TXT_PAIR_BITS]));
         anHeader[TXT_CITY_TOKENS] = static_cast<uint32_t>(m_nCityTokens);
         anHeader[TXT_SIZE] = static_cast<uint32_t>(m_vByte.size());
         if (m_last.size() <= TEXT_LAST_TOKENS) {
@@ -286,6 +303,7 @@ class CTextIndexBuilder {
     std::vector<tagTEXTCITY> m_vTextCity;
     std::vector<tagTEXTSLOT> m_vTownSlot;
     std::vector<tagAREARULE> m_vRule;
+    std::unordered_set<uint32_t> m_pair; // of tokens side by side in towns' names
     std::vector<unsigned char> m_vByte;
 };
 

@@ -15,8 +15,9 @@ namespace {
 
 constexpr std::string_view KYOTO = "京都市";
 
+constexpr size_t KANJI_BYTES = 3;
 constexpr size_t CODE_TOKENS = 20;   // more than 〒, a code, and what stands around them
-constexpr size_t FRONT_TOKENS = 14;  // folded at once: most addresses' prefecture and city
+constexpr size_t FRONT_TOKENS = 16;  // folded at once: most addresses' prefecture, city and town
 constexpr size_t STREET_TOKENS = 64; // streets are looked for so far behind the city
 constexpr size_t TWINS = 64;         // no city has more towns of one folded name
 constexpr size_t CITIES = 64;        // no name stands for more cities
@@ -70,11 +71,10 @@ void CTextReader::Begin(std::string_view strText) {
     m_code = {0, 0};
     m_szCode[0] = '\0';
     m_folded.Begin(strText);
-    m_folded.Has(1);
+    m_folded.Has(FRONT_TOKENS);
     uint16_t const nFirst = m_folded.anToken[0];
     if (IsDigitToken(nFirst) || IsPostalMark(nFirst) || IsOpening(nFirst)) ReadCode();
-    m_folded.Has(FRONT_TOKENS);
-    FindCities();
+    BeginCities();
 }
 
 // A postal code in front: seven digits, three and four with a dash between them, or, behind 〒, the beginning of one.
@@ -110,20 +110,38 @@ void CTextReader::ReadCode() {
     m_folded.Begin(m_strText.substr(m_nBase));
 }
 
-// All lengths at which the text begins with the name of a city, in one walk.
-void CTextReader::FindCities() {
+void CTextReader::BeginCities() {
+    m_cityHash = CTextHash(TEXT_CITY_PARENT);
+    m_nCityTokens = 0;
     m_nLengths = 0;
     m_nProbes = 0;
-    if (!m_index.IsBound()) return; // only a dictionary near 4 GB has none
-    CTextHash hash(TEXT_CITY_PARENT);
-    size_t const nLimit = m_index.CityTokens();
-    for (size_t n = 1; n <= nLimit && m_folded.Has(n); ++n) {
-        uint16_t const nToken = m_folded.anToken[n - 1];
-        hash.Add(nToken);
-        if (!m_index.MayEndCity(nToken) || !m_folded.MayEnd(n)) continue;
-        CCityLength length{n, hash, 0, false};
+    m_nFound = 0;
+    m_bCityProbe = m_index.IsBound() && ProbeCity(); // only a dictionary near 4 GB has none
+}
+
+// The next length at which the name of a city may end: its slot will be near when it is looked at. False when there is
+// none.
+bool CTextReader::ProbeCity() {
+    CTextHash hash = m_cityHash;
+    size_t n = m_nCityTokens;
+    bool bMayEnd = false;
+    while (!bMayEnd && n < m_index.CityTokens() && m_folded.Has(n + 1)) {
+        hash.Add(m_folded.anToken[n]);
+        bMayEnd = m_index.MayEndCity(m_folded.anToken[n]) && m_folded.MayEnd(n + 1);
+        ++n;
+    }
+    m_cityHash = hash;
+    m_nCityTokens = n;
+    if (bMayEnd) Prefetch(m_index.CityTable().pSlot + hash.Slot(m_index.CityTable().nBits));
+    return bMayEnd;
+}
+
+// All lengths at which the text begins with the name of a city.
+void CTextReader::FindCities() {
+    for (; m_bCityProbe; m_bCityProbe = ProbeCity()) {
+        CCityLength length{m_nCityTokens, m_cityHash, 0, false};
         size_t nValues = 0;
-        CTextIndex::ForEach(m_index.CityTable(), hash, [&](uint32_t nValue) {
+        CTextIndex::ForEach(m_index.CityTable(), length.hash, [&](uint32_t nValue) {
             if (nValues++ == 0) length.nValue = nValue;
             return nValues > 1;
         });
@@ -135,40 +153,54 @@ void CTextReader::FindCities() {
     }
 }
 
-// The names of towns that can stand behind the longest city: their slots will be near when they are looked at.
+// The longest city, and the names of towns that can stand behind it: their slots will be near when they are looked at.
 void CTextReader::ProbeTowns() {
+    FindCities();
     if (m_nLengths == 0) return;
     CCityLength const& length = m_aLength[m_nLengths - 1];
     tagTEXTCITY const* const pCity = m_index.City(length.nValue & CITY_NUMBER);
     if (pCity == nullptr) return;
-    uint32_t const nCity = FirstCity() + (length.nValue & CITY_NUMBER);
+    m_nProbedCity = FirstCity() + (length.nValue & CITY_NUMBER);
+    Prefetch(m_dic.GetAddrNode(m_nProbedCity));
     m_towns = m_index.TownTable(*pCity);
     if (m_towns.pSlot == nullptr) return;
-    CTextHash hash(nCity);
-    uint64_t nLengths = Lengths(pCity->anTownLengths) >> 1;
-    size_t const nStart = length.nTokens;
-    for (size_t n = 1; nLengths != 0 && m_nProbes < PROBES && m_folded.Has(nStart + n); ++n, nLengths >>= 1) {
-        hash.Add(m_folded.anToken[nStart + n - 1]);
-        if ((nLengths & 1) == 0 || !m_folded.MayEnd(nStart + n)) continue;
-        m_aProbe[m_nProbes++] = {hash, n};
-        Prefetch(m_towns.pSlot + hash.Slot(m_towns.nBits));
-    }
+    m_nProbes = TownNames(m_nProbedCity, *pCity, length.nTokens, m_aProbe);
+    for (size_t i = 0; i < m_nProbes; ++i) Prefetch(m_towns.pSlot + m_aProbe[i].hash.Slot(m_towns.nBits));
 }
 
-// Looks at the first slot of each name only: what stands further on is found in the end all the same.
-void CTextReader::ProbeNodes() {
-    m_nProbedNode = ADDR_NONE;
-    for (size_t i = m_nProbes; i-- > 0;) {
-        tagTEXTSLOT const& slot = m_towns.pSlot[m_aProbe[i].hash.Slot(m_towns.nBits)];
-        if (slot.nValue == TEXT_FREE || slot.nCheck != m_aProbe[i].hash.Check()) continue;
-        m_nProbedNode = slot.nValue & TOWN_NODE;
-        Prefetch(m_dic.GetAddrNode(m_nProbedNode));
-        return;
+// The beginnings of the text from nBegin on that may be names of the city's towns, the shortest first; their number.
+size_t CTextReader::TownNames(uint32_t nCity, tagTEXTCITY const& city, size_t nBegin, CProbe (&aName)[TOWN_NAMES]) {
+    CTextHash hash(nCity);
+    size_t nNames = 0;
+    uint64_t nLengths = Lengths(city.anTownLengths) >> 1;
+    for (size_t n = 1; nLengths != 0 && m_folded.Has(nBegin + n); ++n, nLengths >>= 1) {
+        uint16_t const* const pToken = m_folded.anToken + nBegin + n - 1;
+        if (n > 1 && !m_index.MayGoOn(pToken[-1], pToken[0])) break;
+        hash.Add(*pToken);
+        if ((nLengths & 1) != 0 && m_folded.MayEnd(nBegin + n)) aName[nNames++] = {hash, n};
     }
+    return nNames;
+}
+
+// The longest of these names that is in the table, and its node.
+void CTextReader::ProbeNodes() {
+    if (m_nProbes == 0) return;
+    tagADDRNODE const* const pCity = m_dic.GetAddrNode(m_nProbedCity);
+    if (pCity != nullptr) Prefetch(m_dic.GetString(pCity->nName));
+    size_t nName = m_nProbes;
+    while (nName-- > 0 && m_nFound == 0) {
+        CTextIndex::ForEach(m_towns, m_aProbe[nName].hash, [this](uint32_t nValue) {
+            m_nFoundValue = nValue;
+            return ++m_nFound > 1;
+        });
+    }
+    if (m_nFound == 0) return;
+    m_nFoundTokens = m_aProbe[nName + 1].nTokens;
+    Prefetch(m_dic.GetAddrNode(m_nFoundValue & TOWN_NODE));
 }
 
 void CTextReader::ProbeNames() {
-    tagADDRNODE const* const pNode = m_nProbedNode == ADDR_NONE ? nullptr : m_dic.GetAddrNode(m_nProbedNode);
+    tagADDRNODE const* const pNode = m_nFound == 0 ? nullptr : m_dic.GetAddrNode(m_nFoundValue & TOWN_NODE);
     if (pNode == nullptr) return;
     Prefetch(m_dic.GetString(pNode->nName));
     Prefetch(m_dic.GetAddrInfo(pNode->nInfo));
@@ -176,20 +208,31 @@ void CTextReader::ProbeNames() {
 
 // --- names against the dictionary ------------------------------------------------------------------------------
 
-// The tokens of the text from nBegin on that are the name, 0 when it is not there.
-size_t CTextReader::MatchedTokens(std::string_view strName, size_t nBegin) {
-    m_name.Fold(strName);
+// Folds a name of the dictionary, once when it is asked for again.
+void CTextReader::FoldName(std::string_view strName, uint32_t nOptions) {
+    std::string_view const strLast = m_name.Text();
+    if (strLast.data() == strName.data() && strLast.size() == strName.size() && m_nNameOptions == nOptions) return;
+    m_name.Fold(strName, nOptions);
+    m_nNameOptions = nOptions;
+}
+
+// The tokens of the text from nBegin on that are the name, 0 when it is not there. bExact: in its very bytes, too.
+size_t CTextReader::MatchedTokens(std::string_view strName, size_t nBegin, bool& bExact) {
+    size_t const nKanji = strName.size() / KANJI_BYTES; // as many tokens where none is a number or of another size
+    bExact = nKanji != 0 && m_folded.Has(nBegin + nKanji) && m_folded.Bytes(nBegin, nBegin + nKanji) == strName;
+    if (bExact) return nKanji;
+    FoldName(strName);
     size_t const nTokens = m_name.nCount;
     if (!m_folded.Has(nBegin + nTokens)) return 0;
-    for (size_t i = 0; i < nTokens; ++i)
-        if (m_folded.anToken[nBegin + i] != m_name.anToken[i]) return 0;
+    if (!std::equal(m_name.anToken, m_name.anToken + nTokens, m_folded.anToken + nBegin)) return 0;
+    bExact = m_folded.Bytes(nBegin, nBegin + nTokens) == strName;
     return nTokens;
 }
 
 // Whether the tokens are the name. bExact: its very bytes, too.
 bool CTextReader::IsName(std::string_view strName, size_t nBegin, size_t nEnd, bool& bExact) {
     bExact = m_folded.Bytes(nBegin, nEnd) == strName;
-    return bExact || (!strName.empty() && MatchedTokens(strName, nBegin) == nEnd - nBegin);
+    return bExact || (!strName.empty() && MatchedTokens(strName, nBegin, bExact) == nEnd - nBegin);
 }
 
 // The city of a slot's value, when the first nTokens tokens are its name in the form that the value says.
@@ -208,17 +251,14 @@ bool CTextReader::ReadCity(uint32_t nValue, size_t nTokens, CCity& city) {
     std::string_view const strPref =
         bPref && pPref != nullptr ? PrefForm(NodeName(m_dic, *pPref), nValue) : std::string_view();
     if (strCity.empty() || (bPref && strPref.empty())) return false;
-    std::string_view const strBytes = m_folded.Bytes(0, nTokens);
-    city.bExact = strBytes.size() == strPref.size() + strCity.size() &&
-                  strBytes.substr(0, strPref.size()) == strPref && strBytes.substr(strPref.size()) == strCity;
-    city.nPrefTokens = 0;
-    if (bPref && city.bExact) {
-        while (m_folded.anBegin[city.nPrefTokens] < m_folded.anBegin[0] + strPref.size()) ++city.nPrefTokens;
-    } else if (bPref) {
-        city.nPrefTokens = MatchedTokens(strPref, 0);
-        if (city.nPrefTokens == 0 || city.nPrefTokens >= nTokens) return false;
-    }
-    return city.bExact || MatchedTokens(strCity, city.nPrefTokens) == nTokens - city.nPrefTokens;
+    bool bPrefExact = true;
+    city.nPrefTokens = bPref ? MatchedTokens(strPref, 0, bPrefExact) : 0;
+    if (bPref && (city.nPrefTokens == 0 || city.nPrefTokens >= nTokens)) return false;
+    if (!IsName(strCity, city.nPrefTokens, nTokens, city.bExact)) return false;
+    if (bPref)
+        city.bExact =
+            city.bExact && bPrefExact && m_folded.anBegin[city.nPrefTokens] == m_folded.anEnd[city.nPrefTokens - 1];
+    return true;
 }
 
 bool CTextReader::IsTown(CTown& town, uint32_t nValue) {
@@ -246,14 +286,8 @@ bool CTextReader::IsBareNumber(CTown const& town) {
 // The longest towns of a city at a place of the text; a table that two towns of equal folded names share gives both.
 void CTextReader::FindTownsAt(CCity const& city, size_t nBegin, std::vector<CTown>& vTown) {
     CTextIndex::CTable const table = m_index.TownTable(*city.pIndex);
-    CProbe aName[TEXT_NAME_TOKENS + 1];
-    size_t nNames = 0;
-    CTextHash hash(city.nNode);
-    uint64_t nLengths = Lengths(city.pIndex->anTownLengths) >> 1;
-    for (size_t n = 1; nLengths != 0 && m_folded.Has(nBegin + n); ++n, nLengths >>= 1) {
-        hash.Add(m_folded.anToken[nBegin + n - 1]);
-        if ((nLengths & 1) != 0 && m_folded.MayEnd(nBegin + n)) aName[nNames++] = {hash, n};
-    }
+    CProbe aName[TOWN_NAMES];
+    size_t const nNames = TownNames(city.nNode, *city.pIndex, nBegin, aName);
     size_t const nBefore = vTown.size();
     for (size_t i = nNames; i-- > 0 && vTown.size() == nBefore;) {
         CTown town;
@@ -295,7 +329,7 @@ bool CTextReader::HasGap(CTown const& town) const {
 void CTextReader::AddTownBeforeGap(CProbe const* pName, size_t nNames, std::vector<CTown>& vTown) {
     CTown const longest = vTown.back();
     if (!HasGap(longest)) return;
-    m_name.Fold(NodeName(m_dic, *m_dic.GetAddrNode(longest.nNode)));
+    FoldName(NodeName(m_dic, *m_dic.GetAddrNode(longest.nNode)));
     uint64_t nGaps = 0; // bit n: behind n tokens of the town
     for (size_t n = 1; n < std::min(longest.nEnd - longest.nBegin, m_name.nCount); ++n)
         if (IsGap(m_folded, longest.nBegin + n) && !IsGap(m_name, n)) nGaps |= uint64_t{1} << n;

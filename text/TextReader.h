@@ -1,8 +1,8 @@
 // TextReader.h - the reading of one text, in steps, so that several texts can wait for memory at once.
 //
-//   reader.Begin(strText);                  // folds the front, looks the city up
-//   reader.ProbeTowns();                    // asks for the slots of all names that the town can have ...
-//   reader.ProbeNodes();                    // ... for the node of the longest one ...
+//   reader.Begin(strText);                  // folds the front, asks for the slot where a city's name may end
+//   reader.ProbeTowns();                    // looks the city up, asks for the slots of all names that its town can have
+//   reader.ProbeNodes();                    // looks them up, asks for the node of the longest one that is there ...
 //   reader.ProbeNames();                    // ... and for its name and entry
 //   reader.Finish(nOptions, reading);       // everything is near now
 #ifndef QEADRS_TEXT_TEXTREADER_H
@@ -80,10 +80,12 @@ class CTextReader {
         size_t nTokens; // of the town's name
     };
     static constexpr size_t CITY_LENGTHS = 8;
-    static constexpr size_t PROBES = 24;
+    static constexpr size_t TOWN_NAMES = TEXT_NAME_TOKENS + 1;
 
     // --- the front ---
     void ReadCode();
+    void BeginCities();
+    bool ProbeCity();
     void FindCities();
 
     // --- names against the dictionary ---
@@ -91,10 +93,12 @@ class CTextReader {
     bool IsName(std::string_view strName, size_t nBegin, size_t nEnd, bool& bExact);
     bool IsTown(CTown& town, uint32_t nValue);
     bool IsBareNumber(CTown const& town);
-    size_t MatchedTokens(std::string_view strName, size_t nBegin);
+    void FoldName(std::string_view strName, uint32_t nOptions = 0);
+    size_t MatchedTokens(std::string_view strName, size_t nBegin, bool& bExact);
 
     // --- levels ---
     void FindTowns(CCity const& city, std::vector<CTown>& vTown);
+    size_t TownNames(uint32_t nCity, tagTEXTCITY const& city, size_t nBegin, CProbe (&aName)[TOWN_NAMES]);
     void FindTownsAt(CCity const& city, size_t nBegin, std::vector<CTown>& vTown);
     bool FindTownsBehindStreet(CCity const& city, std::vector<CTown>& vTown, bool& bStreet);
     size_t BehindCount(size_t nToken) const;
@@ -165,13 +169,20 @@ class CTextReader {
     char m_szCode[8] = {};
     CFoldedText m_folded;
     uint32_t m_nFoldOptions = 0;
-    CFoldedText m_name; // a name of the dictionary
+    CFoldedText m_name;          // a name of the dictionary ...
+    uint32_t m_nNameOptions = 0; // ... and how it was folded
+    bool m_bCityProbe = false;   // a name of a city may end ...
+    size_t m_nCityTokens = 0;    // ... behind so many tokens ...
+    CTextHash m_cityHash;        // ... with this hash
     CCityLength m_aLength[CITY_LENGTHS];
     size_t m_nLengths = 0;
-    CProbe m_aProbe[PROBES];
+    CProbe m_aProbe[TOWN_NAMES];
     size_t m_nProbes = 0;
-    CTextIndex::CTable m_towns; // of the city that is probed
-    uint32_t m_nProbedNode = ADDR_NONE;
+    uint32_t m_nProbedCity = ADDR_NONE;
+    CTextIndex::CTable m_towns; // of that city
+    size_t m_nFound = 0;        // slots of the longest name that is there: none, one, or more ...
+    uint32_t m_nFoundValue = 0; // ... the last one looked at ...
+    size_t m_nFoundTokens = 0;  // ... and the name's tokens
 
     std::vector<CCity> m_vCity;
     std::vector<CTown> m_vTown;

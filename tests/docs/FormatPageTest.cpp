@@ -148,7 +148,7 @@ constexpr std::array<char const*, HDR_WORDS> WORD_NAMES = {"the mark `QEADRS`, 0
 constexpr std::array<char const*, 8> LEVEL_NAMES = {"prefecture", "city",     "town",  "subdivision",
                                                     "building",   "grouping", "floor", "organisation"};
 
-constexpr std::array<char const*, 18> INDEX_WORD_NAMES = {"the mark `QETX`",
+constexpr std::array<char const*, 20> INDEX_WORD_NAMES = {"the mark `QETX`",
                                                           "foldings",
                                                           "bytes of the index",
                                                           "layout",
@@ -165,14 +165,18 @@ constexpr std::array<char const*, 18> INDEX_WORD_NAMES = {"the mark `QETX`",
                                                           "the last tokens",
                                                           "",
                                                           "",
-                                                          ""};
+                                                          "",
+                                                          "pairs: at",
+                                                          "b"};
 enum : uint32_t {
     INDEX_SIZE = 2,
     INDEX_CITIES = 4,
     INDEX_BITS = 5,
     INDEX_TOWNS = 8,
     INDEX_RULES = 10,
-    INDEX_LAST = 14
+    INDEX_LAST = 14,
+    INDEX_LAST_END = 18,
+    INDEX_PAIRS = 18
 };
 
 // The hash of a name below a node by the page's rule.
@@ -356,15 +360,18 @@ class CDescription {
         }
         ASSERT_EQ(IndexAt(), IndexWord(INDEX_RULES));
         for (uint32_t n = 0; n < IndexWord(INDEX_RULES + 1); ++n) Rule(n);
+        ASSERT_EQ(IndexAt(), IndexWord(INDEX_PAIRS));
+        Pairs(IndexWord(INDEX_PAIRS + 1));
         ASSERT_EQ(IndexAt(), IndexWord(INDEX_SIZE));
     }
 
     void IndexHeader(uint32_t n) {
         uint32_t const nValue = IndexWord(n);
-        std::string str = "word " + Dec(n) + (n > INDEX_LAST ? "" : ": ") + INDEX_WORD_NAMES[n];
+        bool const bLast = n >= INDEX_LAST && n < INDEX_LAST_END;
+        std::string str = "word " + Dec(n) + (bLast && n > INDEX_LAST ? "" : ": ") + INDEX_WORD_NAMES[n];
         if (n == 1)
             str += " 0x" + Hex(nValue, 8);
-        else if (n >= INDEX_LAST)
+        else if (bLast)
             str += LastTokens(nValue);
         else if (str.substr(str.size() - 3) == " at")
             str += " " + At(nValue);
@@ -476,6 +483,31 @@ class CDescription {
             Digits(m_nAt, 4) + ' ' + Digits(m_nAt + 4, 1) + ' ' + Digits(m_nAt + 5, 1) + ' ' + Digits(m_nAt + 6, 2);
         for (size_t nField = 8; nField < 20; nField += 4) strBytes += ' ' + Digits(m_nAt + nField, 4);
         RowOf(strBytes, 20, str);
+    }
+
+    // The example's set is one word.
+    void Pairs(uint32_t nBits) {
+        ASSERT_EQ(nBits, 5u);
+        std::map<uint32_t, std::string> mapBit;
+        std::wstring_convert<std::codecvt_utf8_utf16<char16_t>, char16_t> convert;
+        for (uint32_t n = 0; n < Head(HDR_TOWN_COUNT); ++n) {
+            uint32_t const nName = NodeField(Head(HDR_FIRST_TOWN) + n, 4);
+            std::u16string const strTokens = convert.from_bytes(qeadrs::FoldName(Text(nName)));
+            for (size_t i = 1; i < strTokens.size(); ++i) {
+                uint32_t const nPair = uint32_t{strTokens[i - 1]} * 65536 + strTokens[i];
+                std::string const strPair = ' ' + convert.to_bytes(strTokens.substr(i - 1, 2));
+                std::string& strPairs = mapBit[nPair * 0x9E3779B1 >> (32 - nBits)];
+                if (strPairs.find(strPair) == std::string::npos) strPairs += strPair;
+            }
+        }
+        uint32_t nWord = 0;
+        std::string strMeaning = "pairs:";
+        for (auto const& [nBit, strPairs] : mapBit) {
+            nWord |= 1u << nBit;
+            strMeaning += (nBit == mapBit.begin()->first ? " bit " : ", bit ") + Dec(nBit) + strPairs;
+        }
+        EXPECT_EQ(Long(m_nAt), nWord);
+        Row(4, strMeaning);
     }
 
     CBytes const& m_vByte;

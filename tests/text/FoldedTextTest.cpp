@@ -124,6 +124,10 @@ TEST(FoldedText, BytesThatAreNoCharacterAreTokensThatNoNameHas) {
     EXPECT_EQ(folded->anToken[2], qeadrs::TOKEN_MALFORMED + 0x8C);
     for (std::string_view const str : {"\xC0\x80", "\xED\xA0\x80", "\xF5\x80\x80\x80", "\xF0\x80\x80\x80", "\x80"})
         EXPECT_EQ(CFolded(str)->nCount, str.size());
+    // "~" in three bytes, among characters that have as many.
+    CFolded const overlong("通\xE0\x81\xBE西");
+    ASSERT_EQ(overlong->nCount, 5u);
+    EXPECT_EQ(overlong->anToken[1], qeadrs::TOKEN_MALFORMED + 0xE0);
 }
 
 TEST(FoldedText, CharactersBeyondTheBasicPlaneAreFoldedOrTwoTokens) {

@@ -11,6 +11,8 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
+#include <utility>
 
 using qeadrs::CTextHash;
 using qeadrs::CTextIndex;
@@ -93,7 +95,7 @@ uint32_t Crc32(CImageBytes const& vByte) {
 TEST_F(TextIndexOfASmallCountry, IsTheOneThatItsLayoutStandsFor) {
     CImageBytes vIndex = m_vIndex;
     SetWord(vIndex, TXT_FOLDINGS, 0); // foldings that none of these names has change nothing else
-    constexpr uint32_t LAYOUT = 1, CHECKSUM = 0x328B6AF6;
+    constexpr uint32_t LAYOUT = 1, CHECKSUM = 0xFDA5F695;
     EXPECT_TRUE(TEXT_LAYOUT == LAYOUT && Crc32(vIndex) == CHECKSUM)
         << "The index of the same records is another one: layout " << TEXT_LAYOUT << ", checksum 0x" << std::hex
         << Crc32(vIndex)
@@ -142,7 +144,9 @@ TEST_F(TextIndexOfASmallCountry, IsNotBoundWithABrokenWordInItsHeader) {
         EXPECT_FALSE(BindsWith(TXT_SIZE, nValue)) << nValue;
     for (uint32_t const nValue : {0u, 20u, 28u, 29u, 32u, 33u, 64u, MOST})
         EXPECT_FALSE(BindsWith(TXT_CITY_BITS, nValue)) << nValue;
-    for (unsigned const nWord : {TXT_CITY_SLOTS, TXT_CITIES, TXT_TOWN_SLOTS, TXT_RULES})
+    for (uint32_t const nValue : {0u, 4u, 20u, 28u, 29u, 32u, 33u, 64u, MOST})
+        EXPECT_FALSE(BindsWith(TXT_PAIR_BITS, nValue)) << nValue;
+    for (unsigned const nWord : {TXT_CITY_SLOTS, TXT_CITIES, TXT_TOWN_SLOTS, TXT_RULES, TXT_PAIRS})
         for (uint32_t const nValue :
              {0u, TXT_BYTES - 4, Word(nWord) + 1, Word(nWord) + 2, nSize, nSize + 4, MOST - 3})
             EXPECT_FALSE(BindsWith(nWord, nValue)) << nWord << " " << nValue;
@@ -229,6 +233,41 @@ TEST_F(TextIndexOfASmallCountry, FindsEachTownInItsCityAndInNoOther) {
         });
     }
     EXPECT_GT(nTowns, 20u);
+}
+
+TEST_F(TextIndexOfASmallCountry, KnowsWhichTokensStandSideBySideInTowns) {
+    CTextIndex index;
+    ASSERT_TRUE(index.Bind(m_vIndex.data(), m_vIndex.size()));
+    CDictionaryView const dic(m_dic);
+    std::vector<uint16_t> vToken;
+    std::set<std::pair<uint16_t, uint16_t>> pairs;
+    for (uint32_t n = 0; n < dic.Word(HDR_TOWN_COUNT); ++n) {
+        CFoldedText folded;
+        folded.Fold(NodeName(dic, *dic.GetAddrNode(dic.Word(HDR_FIRST_TOWN) + n)));
+        vToken.insert(vToken.end(), folded.anToken, folded.anToken + folded.nCount);
+        for (size_t i = 1; i < folded.nCount; ++i) pairs.insert({folded.anToken[i - 1], folded.anToken[i]});
+    }
+    ASSERT_GT(pairs.size(), 40u);
+    for (auto const& [nFirst, nSecond] : pairs)
+        EXPECT_TRUE(index.MayGoOn(nFirst, nSecond)) << nFirst << " " << nSecond;
+    size_t nOthers = 0, nShared = 0;
+    for (uint16_t const nFirst : vToken)
+        for (uint16_t const nSecond : vToken) {
+            if (pairs.count({nFirst, nSecond}) != 0) continue;
+            ++nOthers;
+            nShared += index.MayGoOn(nFirst, nSecond) ? 1u : 0u;
+        }
+    EXPECT_LT(nShared * 3, nOthers) << "a set that tells nothing apart";
+}
+
+TEST(TextIndex, HasASetOfPairsForNoTowns) {
+    CAddrDic dic;
+    CImageBytes const vIndex = qeadrs::BuildTextIndex(dic);
+    CTextIndex index;
+    ASSERT_TRUE(index.Bind(vIndex.data(), vIndex.size()));
+    EXPECT_FALSE(index.MayGoOn(u'丸', u'の'));
+    EXPECT_FALSE(index.MayGoOn(0, 0));
+    EXPECT_FALSE(index.MayGoOn(0xFFFF, 0xFFFF));
 }
 
 TEST_F(TextIndexOfASmallCountry, FindsWhatIsBelowATown) {
