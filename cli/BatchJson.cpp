@@ -15,14 +15,14 @@ namespace qe {
 
 namespace {
 
-using CJson = nlohmann::json;
+using CBatchJson = nlohmann::json;
 
 std::string Dump(std::string const& strText) {
-    return CJson(strText).dump(-1, ' ', false, CJson::error_handler_t::replace);
+    return CBatchJson(strText).dump(-1, ' ', false, CBatchJson::error_handler_t::replace);
 }
 
 // Takes the text of one key of the outermost object.
-class CKeyReader : public nlohmann::json_sax<CJson> {
+class CKeyReader : public nlohmann::json_sax<CBatchJson> {
   public:
     CKeyReader(std::string const& strKey, std::vector<CBatchColumn> const& vColumn, std::string& strText)
         : m_strKey(strKey), m_vColumn(vColumn), m_strText(strText) {}
@@ -111,7 +111,7 @@ class CObjects : public CBatchForm {
 
     std::string Read(std::string_view strRecord, std::string& strText) const override {
         CKeyReader reader(m_strKey, m_vColumn, strText);
-        CJson::sax_parse(strRecord.begin(), strRecord.end(), &reader);
+        CBatchJson::sax_parse(strRecord.begin(), strRecord.end(), &reader);
         return reader.Fault();
     }
 

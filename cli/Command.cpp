@@ -14,7 +14,7 @@ namespace qe {
 
 namespace {
 
-constexpr size_t CODE_DIGITS = 7;
+constexpr size_t MOST_DIGITS = 7;
 
 } // namespace
 
@@ -81,7 +81,7 @@ void CCommand::SetNotFound() {
 
 std::string ReadCode(std::string const& strText) {
     std::string strCode = FoldCode(strText).value_or("");
-    if (!strCode.empty() && strCode.size() <= CODE_DIGITS) return strCode;
+    if (!strCode.empty() && strCode.size() <= MOST_DIGITS) return strCode;
     throw CFailure(EXIT_USAGE, Quote(strText) + " is no postal code: it has 1 to 7 digits.");
 }
 

@@ -21,7 +21,7 @@ struct CLevel {
     EColumn nColumn;
     EColumn nKanaColumn;
 };
-constexpr CLevel LEVELS[] = {
+constexpr CLevel BELOW_A_TOWN[] = {
     {&tagADDR::pszArea, COL_AREA, COL_AREA_KANA},
     {&tagADDR::pszBlock, COL_BUILDING, COL_BUILDING_KANA},
     {&tagADDR::pszNote, COL_FLOOR, COL_FLOOR}, // a floor has no reading
@@ -65,7 +65,7 @@ class CFindCommand : public CCommand {
         for (tagADDR const& entry : vEntry) {
             bool bFits = entry.pszTown == addr.pszTown && entry.pszCity == addr.pszCity;
             size_t nLevels = 1;
-            for (CLevel const& level : LEVELS) {
+            for (CLevel const& level : BELOW_A_TOWN) {
                 if (entry.*level.pszText == nullptr) continue;
                 bFits = bFits && entry.*level.pszText == addr.*level.pszText;
                 ++nLevels;
@@ -82,7 +82,7 @@ class CFindCommand : public CCommand {
         Dictionary().Class().GetAddrFromPostCode7(row[COL_CODE].c_str(), vEntry);
         tagADDR const* const pOwn = FindOwn(addr, vEntry);
         if (pOwn == nullptr) return;
-        for (CLevel const& level : LEVELS) {
+        for (CLevel const& level : BELOW_A_TOWN) {
             // The unread rest of the text stands in the area, and is nobody's.
             if (pOwn->*level.pszText != nullptr || !Dictionary().Dic().File().Holds(addr.*level.pszText)) continue;
             row[level.nColumn].clear();

@@ -25,7 +25,7 @@ std::string CountOf(long n, char const* pszOne, char const* pszMany) {
     return Grouped(static_cast<size_t>(n)) + ' ' + (n == 1 ? pszOne : pszMany);
 }
 
-CObject TextOrNull(std::string const& strText) {
+CObject WordOrNull(std::string const& strText) {
     return strText.empty() ? CObject() : CObject(strText);
 }
 
@@ -49,22 +49,22 @@ class CTreeOutput {
 
     void AddPrefecture(std::string const& strName, int nCities) {
         if (!m_bJson) return AddLine(0, strName + " (" + CountOf(nCities, "city", "cities") + ')');
-        m_object = {{"prefecture", TextOrNull(strName)}, {"city_count", nCities}};
+        m_object = {{"prefecture", WordOrNull(strName)}, {"city_count", nCities}};
         if (m_nLevels >= LEVEL_CITIES) m_object["cities"] = CObject::array();
     }
     void AddCity(std::string const& strName, int nTowns) {
         if (!m_bJson) return AddLine(1, strName + " (" + CountOf(nTowns, "address", "addresses") + ')');
-        CObject object = {{"city", TextOrNull(strName)}, {"address_count", nTowns}};
+        CObject object = {{"city", WordOrNull(strName)}, {"address_count", nTowns}};
         if (m_nLevels >= LEVEL_TOWNS) object["addresses"] = CObject::array();
         m_object["cities"].push_back(std::move(object));
     }
     void AddTown(CCandidate const& town) {
         if (!m_bJson) return AddLine(2, Line(town));
-        m_object["cities"].back()["addresses"].push_back({{"postal_code", TextOrNull(town.strCode)},
-                                                          {"old_code", TextOrNull(town.strOldCode)},
-                                                          {"town", TextOrNull(town.strTown)},
-                                                          {"detail", TextOrNull(town.strDetail)},
-                                                          {"detail_kind", TextOrNull(DetailName(town.nDetailKind))}});
+        m_object["cities"].back()["addresses"].push_back({{"postal_code", WordOrNull(town.strCode)},
+                                                          {"old_code", WordOrNull(town.strOldCode)},
+                                                          {"town", WordOrNull(town.strTown)},
+                                                          {"detail", WordOrNull(town.strDetail)},
+                                                          {"detail_kind", WordOrNull(DetailName(town.nDetailKind))}});
     }
     void EndPrefecture() {
         if (m_bJson) m_out << m_object.dump(-1, ' ', false, CObject::error_handler_t::replace) << '\n';
