@@ -18,7 +18,7 @@ endif()
 # for undefined behaviour. qe_options_of_a_program(SOURCE...): these files, which say what the options are, go without.
 function(qe_options_of_a_program)
     if(QEADRS_SANITIZE)
-        set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -fno-sanitize=undefined)
+        set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS "-O0;-fno-sanitize=undefined")
     endif()
 endfunction()
 if(QEADRS_SANITIZE_THREAD)
