@@ -219,7 +219,8 @@ void CTextReader::FoldName(std::string_view strName, uint32_t nOptions) {
 // The tokens of the text from nBegin on that are the name, 0 when it is not there. bExact: in its very bytes, too.
 size_t CTextReader::MatchedTokens(std::string_view strName, size_t nBegin, bool& bExact) {
     size_t const nKanji = strName.size() / KANJI_BYTES; // as many tokens where none is a number or of another size
-    bExact = nKanji != 0 && m_folded.Has(nBegin + nKanji) && m_folded.Bytes(nBegin, nBegin + nKanji) == strName;
+    bExact = nKanji != 0 && m_folded.Has(nBegin + nKanji) && m_folded.MayEnd(nBegin + nKanji) &&
+             m_folded.Bytes(nBegin, nBegin + nKanji) == strName;
     if (bExact) return nKanji;
     FoldName(strName);
     size_t const nTokens = m_name.nCount;

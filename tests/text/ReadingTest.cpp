@@ -344,3 +344,22 @@ TEST_F(Reading, NamesOfBitsStandInTheirOrder) {
     EXPECT_EQ(qeadrs::SurenessName(QETEXT_EXACT), "exact");
     EXPECT_EQ(qeadrs::SurenessName(QETEXT_EXACT + 1), "");
 }
+
+// In "北十" the last character is two tokens, the digits of ten.
+TEST(ReadingOfOneTown, FindsACityBehindAPrefectureThatEndsInANumber) {
+    CTestImage image;
+    uint32_t const nPref = image.AddNode(LEVEL_PREF, ADDR_NONE, "北十");
+    uint32_t const nCity = image.AddNode(LEVEL_CITY, nPref, "西市");
+    image.AddInfo(image.AddNode(LEVEL_TOWN, nCity, "東町"), "0000001", "000");
+    image.Complete();
+    CImageBytes const vPlain = WithIndex(image.Bytes(), {});
+    CImageBytes const vByte = WithIndex(vPlain, IndexOf(vPlain));
+    CAddrDic dic;
+    dic.SetDictionary(vByte.data());
+    qeadrs::CAddressText text(dic);
+    for (std::string const strText : {"北十西市東町", "北10西市東町"}) {
+        QETEXTREADING const& reading = text.Read(strText);
+        EXPECT_EQ(Described(reading.place), "北十 西市 東町 0000001") << strText;
+        EXPECT_EQ(strText.substr(reading.city.nOffset, reading.city.nLength), "西市") << strText;
+    }
+}
