@@ -17,7 +17,10 @@ enum EDigits : uint8_t { DIGITS_NONE = 0, DIGITS_ARABIC = 1, DIGITS_KANJI = 2 };
 
 constexpr uint32_t MALFORMED = 0xFFFFFFFF;
 constexpr uint32_t LAST_IN_TEXT = 0xFFFFFFFE; // m_nLast: that of the last token, in the text
-constexpr size_t AT_ONCE = 8;                 // tokens, when one more is asked for
+
+// Tokens beyond those asked for: a name will be read to its end, a number is mostly one that nobody asks for.
+constexpr size_t KANJI_AHEAD = 16;
+constexpr size_t ASCII_AHEAD = 2;
 
 // Kana, kanji and their like, up to the surrogates. What folds to one of them is neither a digit nor anything special.
 constexpr uint32_t KANJI_FIRST = 0x3000;
@@ -261,13 +264,13 @@ void CFoldedText::ExtendByOne() {
 }
 
 void CFoldedText::Extend(size_t nTokens) {
-    size_t const nWanted = std::min(std::max(nTokens + 1, nCount + AT_ONCE), LIMIT);
+    size_t const nWanted = std::min(nTokens + 1, LIMIT);
     while (nCount < nWanted && nRead < m_strText.size()) {
         size_t const nBefore = nRead;
         if (MayBeginKanji(m_strText[nRead]))
-            ExtendByKanji(nWanted);
+            ExtendByKanji(std::min(nWanted + KANJI_AHEAD, LIMIT));
         else
-            ExtendByAscii(nWanted);
+            ExtendByAscii(std::min(nWanted + ASCII_AHEAD, LIMIT));
         if (nRead == nBefore) ExtendByOne();
     }
     m_bEnd = nRead >= m_strText.size() || nCount >= LIMIT;

@@ -449,6 +449,8 @@ bool CTextReader::AnswerPlainly(QETEXTREADING& reading) {
     if (GoesOnInWords(town.nEnd) && HasShorterDivided(town.nEnd - length.nTokens)) return false;
     tagADDRNODE const* const pTown = m_dic.GetAddrNode(nTown & TOWN_NODE);
     if (pTown == nullptr || pTown->nInfo == ADDR_NONE) return false;
+    tagADDRINFO const* const pInfo = m_dic.GetAddrInfo(pTown->nInfo);
+    if (m_szCode[0] != '\0' && pInfo != nullptr) Prefetch(m_dic.GetString(pInfo->nCode)); // UseCode will read it
     if (!ReadCity(length.nValue, length.nTokens, town.city) || town.city.bKyoto) return false;
     town.nBegin = length.nTokens;
     if (!IsTown(town, nTown) || HasGap(town) || IsPartOfName(town)) return false;

@@ -17,7 +17,6 @@ constexpr std::string_view KYOTO = "京都市";
 
 constexpr size_t KANJI_BYTES = 3;
 constexpr size_t CODE_TOKENS = 20;   // more than 〒, a code, and what stands around them
-constexpr size_t FRONT_TOKENS = 16;  // folded at once: most addresses' prefecture, city and town
 constexpr size_t STREET_TOKENS = 64; // streets are looked for so far behind the city
 constexpr size_t TWINS = 64;         // no city has more towns of one folded name
 constexpr size_t CITIES = 64;        // no name stands for more cities
@@ -37,9 +36,9 @@ bool IsSeparator(uint16_t nToken) {
            nToken == '"' || nToken == '\'';
 }
 
-size_t Digits(CFoldedText const& text, size_t nFirst, size_t nLimit) {
+size_t Digits(CFoldedText& text, size_t nFirst, size_t nLimit) {
     size_t n = nFirst;
-    while (n < text.nCount && n - nFirst < nLimit && IsDigitToken(text.anToken[n])) {
+    while (n - nFirst < nLimit && text.Has(n + 1) && IsDigitToken(text.anToken[n])) {
         if (n > nFirst && !text.abInNumber[n]) break; // 〒2995245 千葉県
         ++n;
     }
@@ -71,7 +70,7 @@ void CTextReader::Begin(std::string_view strText) {
     m_code = {0, 0};
     m_szCode[0] = '\0';
     m_folded.Begin(strText);
-    m_folded.Has(FRONT_TOKENS);
+    m_folded.Has(1);
     uint16_t const nFirst = m_folded.anToken[0];
     if (IsDigitToken(nFirst) || IsPostalMark(nFirst) || IsOpening(nFirst)) ReadCode();
     BeginCities();
@@ -79,9 +78,10 @@ void CTextReader::Begin(std::string_view strText) {
 
 // A postal code in front: seven digits, three and four with a dash between them, or, behind 〒, the beginning of one.
 void CTextReader::ReadCode() {
-    m_folded.Has(CODE_TOKENS);
-    size_t nOpen = 0; // a bracket or a quote may stand in front of it
-    while (nOpen < 2 && IsOpening(m_folded.anToken[nOpen])) ++nOpen;
+    constexpr size_t OPEN = 2; // brackets or quotes may stand in front of it
+    m_folded.Has(OPEN + 2);
+    size_t nOpen = 0;
+    while (nOpen < OPEN && IsOpening(m_folded.anToken[nOpen])) ++nOpen;
     bool const bMark = IsPostalMark(m_folded.anToken[nOpen]);
     if (!bMark && !IsDigitToken(m_folded.anToken[nOpen])) return;
     size_t const nFirst = nOpen + (bMark ? 1 : 0);
