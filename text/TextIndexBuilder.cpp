@@ -12,7 +12,6 @@
 #include <set>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 
 namespace qeadrs {
 
@@ -44,9 +43,37 @@ std::vector<tagTEXTSLOT> MakeTable(std::vector<CHashed> const& vName, uint32_t& 
     return vSlot;
 }
 
+// The pairs of tokens in towns' names. With two bits for each town fewer than one pair in five that no name has is taken for
+// one of them: the country's 121,000 towns have some 50,000.
+class CPairSet {
+  public:
+    explicit CPairSet(uint32_t nTowns) {
+        while (m_nBits < PAIR_BITS_MOST && (uint64_t{1} << m_nBits) < uint64_t{2} * nTowns) ++m_nBits;
+        m_vWord.resize(size_t{1} << (m_nBits - PAIR_BITS_FEWEST));
+    }
+    void Add(std::u16string_view strTokens) {
+        for (size_t i = 1; i < strTokens.size(); ++i) {
+            uint32_t const nBit = CTokenPair(strTokens[i - 1], strTokens[i]).Bit(m_nBits);
+            m_vWord[nBit / 32] |= uint32_t{1} << nBit % 32;
+        }
+    }
+    uint32_t Bits() const { return m_nBits; }
+    std::vector<uint32_t> const& Words() const { return m_vWord; }
+
+  private:
+    uint32_t m_nBits = PAIR_BITS_FEWEST;
+    std::vector<uint32_t> m_vWord;
+};
+
+// The towns that the header counts, and never more than there are nodes: a damaged one may count anything.
+uint32_t CountTowns(CDictionaryView const& dic) {
+    if (dic.GetDicPointer() == nullptr) return 0;
+    return std::min(dic.Word(HDR_TOWN_COUNT), dic.Word(HDR_NODE_COUNT));
+}
+
 class CTextIndexBuilder {
   public:
-    explicit CTextIndexBuilder(CAddrDic const& dic) : m_dic(dic) {}
+    explicit CTextIndexBuilder(CAddrDic const& dic) : m_dic(dic), m_pairs(CountTowns(m_dic)) {}
 
     std::vector<unsigned char> Build() {
         if (m_dic.GetDicPointer() != nullptr) {
@@ -147,7 +174,7 @@ class CTextIndexBuilder {
         std::u16string const strTokens = Tokens(NodeName(m_dic, town));
         if (strTokens.empty()) return;
         AddLength(city.anTownLengths, strTokens.size());
-        for (size_t i = 1; i < strTokens.size(); ++i) m_pair.insert(uint32_t{strTokens[i - 1]} << 16 | strTokens[i]);
+        m_pairs.Add(strTokens);
         vName.push_back({HashOf(m_nFirstCity + nCity, strTokens), nTown | (bDivided ? TOWN_DIVIDED : 0)});
     }
 
@@ -237,20 +264,6 @@ class CTextIndexBuilder {
         return meaning.nOpenBlock;
     }
 
-    // --- pairs of tokens ---
-
-    // Four bits and more for each pair: of others one in five at most is taken for one of them.
-    std::vector<uint32_t> MakePairs(uint32_t& nBits) const {
-        nBits = PAIR_BITS_FEWEST;
-        while (nBits < PAIR_BITS_MOST && (size_t{1} << nBits) < 4 * m_pair.size()) ++nBits;
-        std::vector<uint32_t> vWord(size_t{1} << (nBits - PAIR_BITS_FEWEST));
-        for (uint32_t const n : m_pair) {
-            uint32_t const nBit = CTokenPair(static_cast<uint16_t>(n >> 16), static_cast<uint16_t>(n)).Bit(nBits);
-            vWord[nBit / 32] |= uint32_t{1} << nBit % 32;
-        }
-        return vWord;
-    }
-
     // --- the bytes ---
 
     template <typename T>
@@ -278,7 +291,8 @@ class CTextIndexBuilder {
         anHeader[TXT_TOWN_COUNT] = static_cast<uint32_t>(m_vTownSlot.size());
         anHeader[TXT_RULES] = AppendSection(m_vRule);
         anHeader[TXT_RULE_COUNT] = static_cast<uint32_t>(m_vRule.size());
-        anHeader[TXT_PAIRS] = AppendSection(MakePairs(anHeader[TXT_PAIR_BITS]));
+        anHeader[TXT_PAIRS] = AppendSection(m_pairs.Words());
+        anHeader[TXT_PAIR_BITS] = m_pairs.Bits();
         anHeader[TXT_CITY_TOKENS] = static_cast<uint32_t>(m_nCityTokens);
         anHeader[TXT_SIZE] = static_cast<uint32_t>(m_vByte.size());
         if (m_last.size() <= TEXT_LAST_TOKENS) {
@@ -303,7 +317,7 @@ class CTextIndexBuilder {
     std::vector<tagTEXTCITY> m_vTextCity;
     std::vector<tagTEXTSLOT> m_vTownSlot;
     std::vector<tagAREARULE> m_vRule;
-    std::unordered_set<uint32_t> m_pair; // of tokens side by side in towns' names
+    CPairSet m_pairs;
     std::vector<unsigned char> m_vByte;
 };
 
