@@ -9,7 +9,7 @@
 //
 // Index     Names are found in folded form in the index that the compiler puts into the dictionary's fifth table. A
 //           dictionary without one, or with one of other foldings, gets it built at the first reading (the country: 3 MB,
-//           30 milliseconds). No name is answered that was not compared with the dictionary's own; which numbers belong to
+//           13 milliseconds). No name is answered that was not compared with the dictionary's own; which numbers belong to
 //           which subdivision of a town is believed (`qeadrs-dic check` proves it).
 // Time      Linear in the text; only its first 255 characters, blanks not counted, are looked at for names.
 // Lifetime  Texts of an answer lead into the dictionary's image and live as long as it; the answer and its candidates live

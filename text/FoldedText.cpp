@@ -94,7 +94,7 @@ bool MayBeginKanji(char ch) {
     return static_cast<unsigned char>(ch) - 0xE3u <= 0xEDu - 0xE3u;
 }
 
-// The last one to three bytes of a text.
+// The last one to three bytes of a text, 0 where there is none.
 uint32_t LastBytes(unsigned char const* pText, size_t nAt, size_t nText) {
     uint32_t nBytes = 0;
     for (unsigned nShift = 0; nAt < nText; nShift += 8) nBytes |= uint32_t{pText[nAt++]} << nShift;

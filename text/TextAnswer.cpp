@@ -292,8 +292,7 @@ void CTextReader::AnswerNothing(QETEXTREADING& reading) {
     for (uint32_t i = 0; i < std::min<uint32_t>(HeaderWord(pImage, HDR_PREF_COUNT), 1000); ++i) {
         tagADDRNODE const* const pPref = m_dic.GetAddrNode(nFirst + i);
         if (pPref == nullptr || pPref->nLevel != LEVEL_PREF) break;
-        bool bExact = false;
-        size_t const nTokens = MatchedTokens(NodeName(m_dic, *pPref), 0, bExact);
+        size_t const nTokens = MatchedTokens(NodeName(m_dic, *pPref), 0);
         if (nTokens == 0 || !m_folded.MayEnd(nTokens)) continue;
         reading.nSureness = QETEXT_CITY_NOT_FOUND;
         reading.place = PlaceOf(nFirst + i);

@@ -118,7 +118,7 @@ class CTokenPair {
     uint32_t m_n;
 };
 constexpr uint32_t PAIR_BITS_FEWEST = 5; // a word
-constexpr uint32_t PAIR_BITS_MOST = 28;  // more than there are pairs
+constexpr uint32_t PAIR_BITS_MOST = 28;  // 32 MB: towns beyond that share bits
 
 // An index that can be read: every access within it.
 class CTextIndex {

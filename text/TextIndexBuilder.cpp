@@ -43,8 +43,8 @@ std::vector<tagTEXTSLOT> MakeTable(std::vector<CHashed> const& vName, uint32_t& 
     return vSlot;
 }
 
-// The pairs of tokens in towns' names. With two bits for each town fewer than one pair in five that no name has is taken for
-// one of them: the country's 121,000 towns have some 50,000.
+// The pairs of tokens in towns' names, in two bits for each town. The country's 121,000 towns have some 50,000 pairs, so that
+// fewer than one in five of all others is taken for one of them.
 class CPairSet {
   public:
     explicit CPairSet(uint32_t nTowns) {

@@ -21,6 +21,7 @@ constexpr size_t STREET_TOKENS = 64; // streets are looked for so far behind the
 constexpr size_t TWINS = 64;         // no city has more towns of one folded name
 constexpr size_t CITIES = 64;        // no name stands for more cities
 constexpr size_t STREETS = 6;        // so many marks of streets are tried
+constexpr size_t MARK_TOKENS = 3;    // the longest: 上がる
 
 bool IsPostalMark(uint16_t nToken) {
     return nToken == TOKEN_POSTAL_MARK || nToken == TOKEN_POSTAL_MARK_FACE;
@@ -187,16 +188,14 @@ void CTextReader::ProbeNodes() {
     if (m_nProbes == 0) return;
     tagADDRNODE const* const pCity = m_dic.GetAddrNode(m_nProbedCity);
     if (pCity != nullptr) Prefetch(m_dic.GetString(pCity->nName));
-    size_t nName = m_nProbes;
-    while (nName-- > 0 && m_nFound == 0) {
-        CTextIndex::ForEach(m_towns, m_aProbe[nName].hash, [this](uint32_t nValue) {
+    for (size_t i = m_nProbes; i-- > 0 && m_nFound == 0;) {
+        CTextIndex::ForEach(m_towns, m_aProbe[i].hash, [this](uint32_t nValue) {
             m_nFoundValue = nValue;
             return ++m_nFound > 1;
         });
+        m_nFoundTokens = m_aProbe[i].nTokens;
     }
-    if (m_nFound == 0) return;
-    m_nFoundTokens = m_aProbe[nName + 1].nTokens;
-    Prefetch(m_dic.GetAddrNode(m_nFoundValue & TOWN_NODE));
+    if (m_nFound != 0) Prefetch(m_dic.GetAddrNode(m_nFoundValue & TOWN_NODE));
 }
 
 void CTextReader::ProbeNames() {
@@ -216,24 +215,22 @@ void CTextReader::FoldName(std::string_view strName, uint32_t nOptions) {
     m_nNameOptions = nOptions;
 }
 
-// The tokens of the text from nBegin on that are the name, 0 when it is not there. bExact: in its very bytes, too.
-size_t CTextReader::MatchedTokens(std::string_view strName, size_t nBegin, bool& bExact) {
+// The tokens of the text from nBegin on that are the name, 0 when it is not there.
+size_t CTextReader::MatchedTokens(std::string_view strName, size_t nBegin) {
     size_t const nKanji = strName.size() / KANJI_BYTES; // as many tokens where none is a number or of another size
-    bExact = nKanji != 0 && m_folded.Has(nBegin + nKanji) && m_folded.MayEnd(nBegin + nKanji) &&
-             m_folded.Bytes(nBegin, nBegin + nKanji) == strName;
-    if (bExact) return nKanji;
+    bool const bSameBytes = nKanji != 0 && m_folded.Has(nBegin + nKanji) && m_folded.MayEnd(nBegin + nKanji) &&
+                            m_folded.Bytes(nBegin, nBegin + nKanji) == strName;
+    if (bSameBytes) return nKanji;
     FoldName(strName);
     size_t const nTokens = m_name.nCount;
     if (!m_folded.Has(nBegin + nTokens)) return 0;
-    if (!std::equal(m_name.anToken, m_name.anToken + nTokens, m_folded.anToken + nBegin)) return 0;
-    bExact = m_folded.Bytes(nBegin, nBegin + nTokens) == strName;
-    return nTokens;
+    return std::equal(m_name.anToken, m_name.anToken + nTokens, m_folded.anToken + nBegin) ? nTokens : 0;
 }
 
 // Whether the tokens are the name. bExact: its very bytes, too.
 bool CTextReader::IsName(std::string_view strName, size_t nBegin, size_t nEnd, bool& bExact) {
     bExact = m_folded.Bytes(nBegin, nEnd) == strName;
-    return bExact || (!strName.empty() && MatchedTokens(strName, nBegin, bExact) == nEnd - nBegin);
+    return bExact || (!strName.empty() && MatchedTokens(strName, nBegin) == nEnd - nBegin);
 }
 
 // The city of a slot's value, when the first nTokens tokens are its name in the form that the value says.
@@ -252,13 +249,12 @@ bool CTextReader::ReadCity(uint32_t nValue, size_t nTokens, CCity& city) {
     std::string_view const strPref =
         bPref && pPref != nullptr ? PrefForm(NodeName(m_dic, *pPref), nValue) : std::string_view();
     if (strCity.empty() || (bPref && strPref.empty())) return false;
-    bool bPrefExact = true;
-    city.nPrefTokens = bPref ? MatchedTokens(strPref, 0, bPrefExact) : 0;
+    city.nPrefTokens = bPref ? MatchedTokens(strPref, 0) : 0;
     if (bPref && (city.nPrefTokens == 0 || city.nPrefTokens >= nTokens)) return false;
     if (!IsName(strCity, city.nPrefTokens, nTokens, city.bExact)) return false;
-    if (bPref)
-        city.bExact =
-            city.bExact && bPrefExact && m_folded.anBegin[city.nPrefTokens] == m_folded.anEnd[city.nPrefTokens - 1];
+    std::string_view const strBytes = m_folded.Bytes(0, nTokens);
+    city.bExact = strBytes.size() == strPref.size() + strCity.size() &&
+                  strBytes.substr(0, strPref.size()) == strPref && strBytes.substr(strPref.size()) == strCity;
     return true;
 }
 
@@ -393,7 +389,7 @@ bool CTextReader::FindTownsBehindStreet(CCity const& city, std::vector<CTown>& v
     size_t anBehind[STREETS];
     size_t nMarks = 0;
     size_t const nLimit = city.nTokens + STREET_TOKENS;
-    m_folded.Has(nLimit);
+    m_folded.Has(nLimit + MARK_TOKENS - 1);
     for (size_t n = city.nTokens; n < std::min(nLimit, m_folded.nCount); ++n) {
         size_t const nMark = StreetMarker(n);
         if (nMark == 0) continue;

@@ -94,7 +94,7 @@ class CTextReader {
     bool IsTown(CTown& town, uint32_t nValue);
     bool IsBareNumber(CTown const& town);
     void FoldName(std::string_view strName, uint32_t nOptions = 0);
-    size_t MatchedTokens(std::string_view strName, size_t nBegin, bool& bExact);
+    size_t MatchedTokens(std::string_view strName, size_t nBegin);
 
     // --- levels ---
     void FindTowns(CCity const& city, std::vector<CTown>& vTown);

@@ -345,6 +345,56 @@ TEST_F(Reading, NamesOfBitsStandInTheirOrder) {
     EXPECT_EQ(qeadrs::SurenessName(QETEXT_EXACT + 1), "");
 }
 
+TEST(ReadingOfAnOldName, GivesItsLatestFormOnRequestBesideIt) {
+    CTestImage image;
+    uint32_t const nPref = image.AddNode(LEVEL_PREF, ADDR_NONE, "北県");
+    uint32_t const nCity = image.AddNode(LEVEL_CITY, nPref, "西市");
+    uint32_t const nNew = image.AddNode(LEVEL_TOWN, nCity, "新町");
+    uint32_t const nOld = image.AddNode(LEVEL_TOWN, nCity, "旧ケ町");
+    uint32_t const nEntry = image.AddInfo(nNew, "0000001", "000");
+    image.AddSuperseded(nOld, "0000002", "000", nEntry);
+    image.Complete();
+    CImageBytes const vPlain = WithIndex(image.Bytes(), {});
+    CImageBytes const vByte = WithIndex(vPlain, IndexOf(vPlain));
+    CAddrDic dic;
+    dic.SetDictionary(vByte.data());
+    qeadrs::CAddressText text(dic);
+    QETEXTREADING const renewed = text.Read("西市旧が町１－２", QETEXT_RENEW);
+    EXPECT_EQ(Described(renewed.place), "北県 西市 旧ケ町 0000002");
+    EXPECT_EQ(Described(renewed.latest), "北県 西市 新町 0000001");
+    EXPECT_EQ(renewed.nRemarks, unsigned{QETEXT_OLD_NAME | QETEXT_RENEWED});
+    QETEXTREADING const plain = text.Read("西市旧が町１－２");
+    EXPECT_EQ(Described(plain.place), "北県 西市 旧ケ町 0000002");
+    EXPECT_EQ(Described(plain.latest), "");
+    EXPECT_EQ(plain.nRemarks, unsigned{QETEXT_OLD_NAME});
+    EXPECT_EQ(text.Read("西市新町１－２", QETEXT_RENEW).nRemarks, 0u);
+}
+
+// A street is looked for in so many tokens; how much of the text happens to be folded then says nothing.
+TEST_F(Reading, AMarkOfAStreetAtTheEndOfTheSearchIsReadWhole) {
+    for (size_t nBefore = 58; nBefore < 66; ++nBefore) {
+        std::string strText = "京都市中京区";
+        for (size_t n = 0; n < nBefore; ++n) strText += "西";
+        std::string const strOne = Place(strText + "上がる西ノ京桑原町");
+        EXPECT_EQ(Place(strText + "上か\u3099る西ノ京桑原町"), strOne) << nBefore;
+    }
+}
+
+TEST(ReadingOfOneTown, IsExactInTheDictionarysOwnBytesWhateverIsDroppedOfThem) {
+    CTestImage image;
+    uint32_t const nPref = image.AddNode(LEVEL_PREF, ADDR_NONE, "大沢　");
+    uint32_t const nCity = image.AddNode(LEVEL_CITY, nPref, "西市");
+    image.AddInfo(image.AddNode(LEVEL_TOWN, nCity, "東町"), "0000001", "000");
+    image.Complete();
+    CImageBytes const vPlain = WithIndex(image.Bytes(), {});
+    CImageBytes const vByte = WithIndex(vPlain, IndexOf(vPlain));
+    CAddrDic dic;
+    dic.SetDictionary(vByte.data());
+    qeadrs::CAddressText text(dic);
+    EXPECT_EQ(text.Read("大沢　西市東町").nSureness, uint32_t{QETEXT_EXACT});
+    EXPECT_EQ(text.Read("大沢西市東町").nSureness, uint32_t{QETEXT_FOLDED});
+}
+
 // In "北十" the last character is two tokens, the digits of ten.
 TEST(ReadingOfOneTown, FindsACityBehindAPrefectureThatEndsInANumber) {
     CTestImage image;
