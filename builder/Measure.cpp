@@ -15,8 +15,6 @@ namespace qe {
 
 namespace {
 
-constexpr char HOUSE_NUMBER[] = "１－２－３";
-
 std::string Text(char const* psz) {
     return psz == nullptr ? "" : psz;
 }

@@ -24,6 +24,8 @@ struct CMeasuredTables {
     std::vector<CPrevious> vPrevious;
 };
 
+constexpr char HOUSE_NUMBER[] = "１－２－３"; // behind each town that is asked for
+
 struct CMiss {
     std::string strText;  // what was asked
     std::string strCause; // why it was not answered as wanted, one of a few texts

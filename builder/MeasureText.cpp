@@ -15,16 +15,16 @@ namespace {
 
 constexpr unsigned WANTED_SURE = 9995; // at most one of 2,000 is wrong
 
-std::string Text(char const* psz) {
+std::string TextOf(char const* psz) {
     return psz == nullptr ? "" : psz;
 }
 
 // "東京都|千代田区|丸の内|... 1000005 folded (2)": place, sureness and number of candidates.
-std::string Found(QETEXTREADING const& reading) {
+std::string FoundPlace(QETEXTREADING const& reading) {
     QETEXTPLACE const& place = reading.place;
-    std::string str = Text(place.pszPref) + "|" + Text(place.pszCity) + "|" + Text(place.pszTown) + "|" +
-                      Text(place.pszArea) + Text(place.pszBuilding) + Text(place.pszFloor) + " " +
-                      Text(place.pszPostCode) + " ";
+    std::string str = TextOf(place.pszPref) + "|" + TextOf(place.pszCity) + "|" + TextOf(place.pszTown) + "|" +
+                      TextOf(place.pszArea) + TextOf(place.pszBuilding) + TextOf(place.pszFloor) + " " +
+                      TextOf(place.pszPostCode) + " ";
     str += qeadrs::SurenessName(reading.nSureness);
     return str.append(" (").append(std::to_string(reading.nCandidate)).append(")");
 }
@@ -63,37 +63,38 @@ class CTextMeasurement {
             figure.nUnknown += question.vTown.empty();
             bool const bOther = IsAnother(question, reading.place);
             bool const bRight = asked.bCandidates ? !bOther && HasCandidate(question, reading)
-                                                  : question.codes.count(Text(reading.place.pszPostCode)) != 0;
-            if (!bRight) figure.vMiss.push_back({question.strText, Cause(question, reading, bOther), Found(reading)});
+                                                  : question.codes.count(TextOf(reading.place.pszPostCode)) != 0;
+            if (!bRight)
+                figure.vMiss.push_back({question.strText, Cause(question, reading, bOther), FoundPlace(reading)});
             if (reading.nSureness < QETEXT_SUPPLIED || !bOther) continue;
             ++figure.nSureWrong;
-            m_sure.vMiss.push_back({question.strText, asked.strName, Found(reading)});
+            m_sure.vMiss.push_back({question.strText, asked.strName, FoundPlace(reading)});
         }
         m_sure.nSureWrong += figure.nSureWrong;
         m_vFigure.push_back(std::move(figure));
     }
 
     bool IsAnother(CTextQuestion const& question, QETEXTPLACE const& place) const {
-        return m_questions.IsAnother(question, {Text(place.pszPref), Text(place.pszCity), Text(place.pszTown)});
+        return m_questions.IsAnother(question, {TextOf(place.pszPref), TextOf(place.pszCity), TextOf(place.pszTown)});
     }
 
     static bool HasCandidate(CTextQuestion const& question, QETEXTREADING const& reading) {
         return std::any_of(
             reading.pCandidate, reading.pCandidate + reading.nCandidate,
-            [&](QETEXTPLACE const& place) { return question.codes.count(Text(place.pszPostCode)) != 0; });
+            [&](QETEXTPLACE const& place) { return question.codes.count(TextOf(place.pszPostCode)) != 0; });
     }
 
     static std::string Cause(CTextQuestion const& question, QETEXTREADING const& reading, bool bOther) {
         QETEXTPLACE const& place = reading.place;
         if (question.vTown.empty()) return "the table has no such town";
-        if (!bOther) return Text(place.pszPostCode).empty() ? "the town, without a code" : "the town, another code";
+        if (!bOther) return TextOf(place.pszPostCode).empty() ? "the town, without a code" : "the town, another code";
         CTownKey const& town = question.vTown.front();
         if (reading.nSureness == QETEXT_SEVERAL) return "another one of several";
-        if (Text(place.pszPref).empty()) return "nothing found";
-        if (Text(place.pszPref) != town.strPref) return "another prefecture";
-        if (Text(place.pszCity).empty()) return "no city found";
-        if (Text(place.pszCity) != town.strCity) return "another city";
-        return Text(place.pszTown).empty() ? "no town found" : "another town";
+        if (TextOf(place.pszPref).empty()) return "nothing found";
+        if (TextOf(place.pszPref) != town.strPref) return "another prefecture";
+        if (TextOf(place.pszCity).empty()) return "no city found";
+        if (TextOf(place.pszCity) != town.strCity) return "another city";
+        return TextOf(place.pszTown).empty() ? "no town found" : "another town";
     }
 
     CBoundDic m_dic;

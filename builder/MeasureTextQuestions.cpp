@@ -30,7 +30,6 @@ constexpr unsigned WANTED_TWO_CHANGES = 9800;
 constexpr unsigned WANTED_AREAS = 9900;
 constexpr unsigned WANTED_OFFICES = 9800;
 constexpr size_t EXPECTED_FROM = 100; // rows that have what a class asks for
-constexpr char HOUSE_NUMBER[] = "１－２－３";
 
 // Towns are compared over the spellings of one edition.
 std::string Fold(std::string const& strTown) {

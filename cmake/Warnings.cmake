@@ -15,7 +15,8 @@ if(QEADRS_SANITIZE)
     add_link_options(-fsanitize=address,undefined)
 endif()
 # The option parser is a header of templates that takes half a minute to compile where each of its operations is watched
-# for undefined behaviour. qe_options_of_a_program(SOURCE...): these files, which say what the options are, go without.
+# for undefined behaviour. qe_options_of_a_program(SOURCE...): these files, which say what the options are, go without, and
+# unoptimised.
 function(qe_options_of_a_program)
     if(QEADRS_SANITIZE)
         set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS "-O0;-fno-sanitize=undefined")
