@@ -38,7 +38,10 @@ class CExplainCommand : public CCommand {
         std::vector<qeadrs::CTextStep> vStep;
         CReading const reading(Dictionary().Dic(), strText, m_reader->Explain(Trim(strText), vStep, QETEXT_RENEW));
         if (!reading.HasCode()) SetNotFound();
-        Form() == EForm::Json ? PrintObject(strText, reading, vStep) : PrintSteps(strText, reading, vStep);
+        if (Form() == EForm::Json)
+            PrintObject(strText, reading, vStep);
+        else
+            PrintSteps(strText, reading, vStep);
     }
 
     void PrintSteps(std::string const& strText, CReading const& reading,

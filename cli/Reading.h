@@ -39,7 +39,7 @@ class CReading {
 
     // The address as `qeadrs addr` prints it: postal code, old code, prefecture, city, town, rest.
     CRow Columns() const;
-    // The readings of prefecture, city and town.
+    // Prefecture, city and town in kana.
     CRow Kana() const;
     // Prefecture and city of a place in one; with its town.
     std::string CityName(QETEXTPLACE const& place) const;
