@@ -43,6 +43,34 @@ class Reading : public testing::Test {
     std::string m_strText;
 };
 
+// A dictionary of these records, with its index, and a reader of it.
+class CSmallReader {
+  public:
+    explicit CSmallReader(CTestImage& image) {
+        image.Complete();
+        m_vByte = WithIndex(image.Bytes(), {});
+        m_vByte = WithIndex(m_vByte, IndexOf(m_vByte));
+        m_dic.SetDictionary(m_vByte.data());
+        m_pText = std::make_unique<qeadrs::CAddressText>(m_dic);
+    }
+    QETEXTREADING const& Read(std::string_view strText, uint32_t nOptions = 0) {
+        return m_pText->Read(strText, nOptions);
+    }
+
+  private:
+    CImageBytes m_vByte;
+    CAddrDic m_dic;
+    std::unique_ptr<qeadrs::CAddressText> m_pText;
+};
+
+// One of a single town 東町 in 西市, code 0000001.
+CSmallReader ReaderOfOneTown(char const* pszPref) {
+    CTestImage image;
+    uint32_t const nCity = image.AddNode(LEVEL_CITY, image.AddNode(LEVEL_PREF, ADDR_NONE, pszPref), "西市");
+    image.AddInfo(image.AddNode(LEVEL_TOWN, nCity, "東町"), "0000001", "000");
+    return CSmallReader(image);
+}
+
 } // namespace
 
 TEST_F(Reading, AnAddressAsTheDictionarySpellsItIsExact) {
@@ -353,12 +381,7 @@ TEST(ReadingOfAnOldName, GivesItsLatestFormOnRequestBesideIt) {
     uint32_t const nOld = image.AddNode(LEVEL_TOWN, nCity, "旧ケ町");
     uint32_t const nEntry = image.AddInfo(nNew, "0000001", "000");
     image.AddSuperseded(nOld, "0000002", "000", nEntry);
-    image.Complete();
-    CImageBytes const vPlain = WithIndex(image.Bytes(), {});
-    CImageBytes const vByte = WithIndex(vPlain, IndexOf(vPlain));
-    CAddrDic dic;
-    dic.SetDictionary(vByte.data());
-    qeadrs::CAddressText text(dic);
+    CSmallReader text(image);
     QETEXTREADING const renewed = text.Read("西市旧が町１－２", QETEXT_RENEW);
     EXPECT_EQ(Described(renewed.place), "北県 西市 旧ケ町 0000002");
     EXPECT_EQ(Described(renewed.latest), "北県 西市 新町 0000001");
@@ -381,32 +404,14 @@ TEST_F(Reading, AMarkOfAStreetAtTheEndOfTheSearchIsReadWhole) {
 }
 
 TEST(ReadingOfOneTown, IsExactInTheDictionarysOwnBytesWhateverIsDroppedOfThem) {
-    CTestImage image;
-    uint32_t const nPref = image.AddNode(LEVEL_PREF, ADDR_NONE, "大沢　");
-    uint32_t const nCity = image.AddNode(LEVEL_CITY, nPref, "西市");
-    image.AddInfo(image.AddNode(LEVEL_TOWN, nCity, "東町"), "0000001", "000");
-    image.Complete();
-    CImageBytes const vPlain = WithIndex(image.Bytes(), {});
-    CImageBytes const vByte = WithIndex(vPlain, IndexOf(vPlain));
-    CAddrDic dic;
-    dic.SetDictionary(vByte.data());
-    qeadrs::CAddressText text(dic);
+    CSmallReader text = ReaderOfOneTown("大沢　");
     EXPECT_EQ(text.Read("大沢　西市東町").nSureness, uint32_t{QETEXT_EXACT});
     EXPECT_EQ(text.Read("大沢西市東町").nSureness, uint32_t{QETEXT_FOLDED});
 }
 
 // In "北十" the last character is two tokens, the digits of ten.
 TEST(ReadingOfOneTown, FindsACityBehindAPrefectureThatEndsInANumber) {
-    CTestImage image;
-    uint32_t const nPref = image.AddNode(LEVEL_PREF, ADDR_NONE, "北十");
-    uint32_t const nCity = image.AddNode(LEVEL_CITY, nPref, "西市");
-    image.AddInfo(image.AddNode(LEVEL_TOWN, nCity, "東町"), "0000001", "000");
-    image.Complete();
-    CImageBytes const vPlain = WithIndex(image.Bytes(), {});
-    CImageBytes const vByte = WithIndex(vPlain, IndexOf(vPlain));
-    CAddrDic dic;
-    dic.SetDictionary(vByte.data());
-    qeadrs::CAddressText text(dic);
+    CSmallReader text = ReaderOfOneTown("北十");
     for (std::string const strText : {"北十西市東町", "北10西市東町"}) {
         QETEXTREADING const& reading = text.Read(strText);
         EXPECT_EQ(Described(reading.place), "北十 西市 東町 0000001") << strText;
