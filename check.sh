@@ -63,4 +63,4 @@ if has_preset release && has_preset i386; then
 else
     say "packages: NOT tested, they need the presets release and i386"
 fi
-say "all checks passed: $PRESETS${PACKAGED:-}${TEST_DATA:+, with the whole national data in release and i386}"
+say "all checks passed: $PRESETS${PACKAGED:-}${TEST_DATA:+, with the whole national data}"
