@@ -2,12 +2,11 @@
 #include "text/CityForms.h"
 
 #include "text/TextIndex.h"
+#include "text/Tokens.h"
 
 namespace qeadrs {
 
 namespace {
-
-constexpr size_t CHARACTER = 3; // bytes of a kanji
 
 bool EndsWith(std::string_view str, std::string_view strTail) {
     return str.size() >= strTail.size() && str.substr(str.size() - strTail.size()) == strTail;
@@ -15,10 +14,10 @@ bool EndsWith(std::string_view str, std::string_view strTail) {
 
 // Behind the first marker that has a character in front of it and a name of two characters behind it; 0 for none.
 size_t Behind(std::string_view str, std::string_view strMarker) {
-    if (str.size() <= CHARACTER) return 0;
-    size_t const nFound = str.find(strMarker, CHARACTER);
+    if (str.size() <= KANJI_BYTES) return 0;
+    size_t const nFound = str.find(strMarker, KANJI_BYTES);
     size_t const nBehind = nFound + strMarker.size();
-    return nFound == std::string_view::npos || str.size() - nBehind < 2 * CHARACTER ? 0 : nBehind;
+    return nFound == std::string_view::npos || str.size() - nBehind < 2 * KANJI_BYTES ? 0 : nBehind;
 }
 
 size_t BehindCounty(std::string_view strCity) {
@@ -37,7 +36,7 @@ std::string_view PrefForm(std::string_view strPref, uint32_t nForm) {
     if ((nForm & CITY_PREF) != 0) return strPref;
     if ((nForm & CITY_SHORT_PREF) == 0) return {};
     bool const bEnding = EndsWith(strPref, "都") || EndsWith(strPref, "府") || EndsWith(strPref, "県");
-    return bEnding ? strPref.substr(0, strPref.size() - CHARACTER) : std::string_view();
+    return bEnding ? strPref.substr(0, strPref.size() - KANJI_BYTES) : std::string_view();
 }
 
 std::string_view CityForm(std::string_view strCity, uint32_t nForm) {

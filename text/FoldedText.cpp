@@ -25,7 +25,6 @@ constexpr size_t ASCII_AHEAD = 2;
 // Kana, kanji and their like, up to the surrogates. What folds to one of them is neither a digit nor anything special.
 constexpr uint32_t KANJI_FIRST = 0x3000;
 constexpr uint32_t KANJI_COUNT = 0xD800 - KANJI_FIRST;
-constexpr uint32_t KANJI_BYTES = 3;
 constexpr uint32_t FULL_WIDTH_HEAD = 0xEF; // first byte of full-width ASCII
 
 bool IsTail(std::string_view str, size_t nPos) {

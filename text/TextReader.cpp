@@ -15,7 +15,6 @@ namespace {
 
 constexpr std::string_view KYOTO = "京都市";
 
-constexpr size_t KANJI_BYTES = 3;
 constexpr size_t CODE_TOKENS = 20;   // more than 〒, a code, and what stands around them
 constexpr size_t STREET_TOKENS = 64; // streets are looked for so far behind the city
 constexpr size_t TWINS = 64;         // no city has more towns of one folded name

@@ -83,6 +83,7 @@ class CTextReader {
     static constexpr size_t TOWN_NAMES = TEXT_NAME_TOKENS + 1;
 
     // --- the front ---
+    uint32_t FirstCity() const { return m_dic.Word(HDR_FIRST_CITY); }
     void ReadCode();
     void BeginCities();
     bool ProbeCity();
@@ -100,6 +101,11 @@ class CTextReader {
     void FindTowns(CCity const& city, std::vector<CTown>& vTown);
     size_t TownNames(uint32_t nCity, tagTEXTCITY const& city, size_t nBegin, CProbe (&aName)[TOWN_NAMES]);
     void FindTownsAt(CCity const& city, size_t nBegin, std::vector<CTown>& vTown);
+    bool IsPartOfName(CTown const& town);
+    bool HasGap(CTown const& town) const;
+    void AddTownBeforeGap(CProbe const* pName, size_t nNames, std::vector<CTown>& vTown);
+    bool GoesOnInWords(size_t nToken);
+    void PreferPlaceBelow(CProbe const* pName, size_t nNames, std::vector<CTown>& vTown);
     bool FindTownsBehindStreet(CCity const& city, std::vector<CTown>& vTown, bool& bStreet);
     size_t BehindCount(size_t nToken) const;
     size_t StreetMarker(size_t nToken) const;
@@ -122,18 +128,12 @@ class CTextReader {
 
     // --- the answer ---
     bool AnswerPlainly(QETEXTREADING& reading);
-    uint32_t FirstCity() const { return m_dic.Word(HDR_FIRST_CITY); }
     void Answer(QETEXTREADING& reading);
     void ReadAgain(QETEXTREADING& reading);
     bool HasAzaBehind(size_t nToken);
     void AnswerTowns(QETEXTREADING& reading);
-    bool IsPartOfName(CTown const& town);
-    bool HasGap(CTown const& town) const;
-    void AddTownBeforeGap(CProbe const* pName, size_t nNames, std::vector<CTown>& vTown);
     void DropUnnamedTwins();
     bool HasShorterDivided(size_t nTokens) const;
-    bool GoesOnInWords(size_t nToken);
-    void PreferPlaceBelow(CProbe const* pName, size_t nNames, std::vector<CTown>& vTown);
     void AnswerCities(QETEXTREADING& reading);
     void AnswerNothing(QETEXTREADING& reading);
     std::vector<uint32_t> NamelessTowns(tagADDRNODE const& city, bool bFront, bool& bNamed) const;

@@ -1,10 +1,13 @@
-// Tokens.h - the tokens that have a meaning of their own in addresses.
+// Tokens.h - the tokens that have a meaning of their own in addresses, and the size of most characters.
 #ifndef QEADRS_TEXT_TOKENS_H
 #define QEADRS_TEXT_TOKENS_H
 
+#include <cstddef>
 #include <cstdint>
 
 namespace qeadrs {
+
+constexpr size_t KANJI_BYTES = 3; // of a kana or a kanji in UTF-8
 
 constexpr uint16_t TOKEN_POSTAL_MARK = 0x3012;      // 〒
 constexpr uint16_t TOKEN_POSTAL_MARK_FACE = 0x3036; // 〶

@@ -19,7 +19,10 @@ bool Take() noexcept {
 void* Allocate(size_t nSize) noexcept {
     if (memory.nKind == CShortage::Objects && !Take()) return nullptr;
     void* const p = std::malloc(nSize == 0 ? 1 : nSize);
-    if (p != nullptr) ++memory.nLive;
+    if (p != nullptr) {
+        ++memory.nLive;
+        memory.nTaken += nSize;
+    }
     return p;
 }
 

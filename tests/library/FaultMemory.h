@@ -10,6 +10,8 @@
 #ifndef QEADRS_TESTS_LIBRARY_FAULTMEMORY_H
 #define QEADRS_TESTS_LIBRARY_FAULTMEMORY_H
 
+#include <cstddef>
+
 struct CMemory;
 extern CMemory memory;
 
@@ -40,6 +42,7 @@ struct CMemory {
     long nAllowed = -1; // allocations left before one fails, -1 for any number
     CShortage::EKind nKind = CShortage::Objects;
     long nLive = 0;       // blocks of operator new that live
+    size_t nTaken = 0;    // bytes that operator new has given out in all
     bool bFailed = false; // an allocation failed since the last shortage began
 };
 

@@ -5,6 +5,7 @@
 #include "tests/support/SystemWatch.h"
 #include "tests/support/TestImage.h"
 #include "tests/support/TestProfile.h"
+#include "tests/text/TextWorld.h"
 #include "text/AddressText.h"
 #include "text/FoldTable.h"
 
@@ -344,6 +345,25 @@ TEST_F(TextCalls, SayWhenThereIsNoMemory) {
             if (!bFailed) break;
         }
     }
+}
+
+// A reader holds two folded texts and short lists; where the dictionary has an index, nothing of the dictionary is copied.
+TEST_F(TextCalls, TakeLittleMemoryToOpenAndReadWhereThereIsAnIndex) {
+    constexpr size_t MOST = 32 * 1024;
+    CImageBytes const vPlain = WithIndex(TextRecords().Bytes(), {});
+    CImageBytes const vWith = WithIndex(vPlain, IndexOf(vPlain));
+    auto const TakenBy = [](CImageBytes const& vByte) {
+        size_t const nBefore = memory.nTaken;
+        QETEXT* const pText = QeTextOpenImage(vByte.data(), nullptr);
+        QETEXTREADING reading;
+        EXPECT_EQ(QeTextRead(pText, TEXTS[0], std::strlen(TEXTS[0]), 0, &reading), QETEXT_OK);
+        QeTextClose(pText);
+        return memory.nTaken - nBefore;
+    };
+    size_t const nWith = TakenBy(vWith), nWithout = TakenBy(vPlain);
+    EXPECT_LT(nWith, MOST);
+    EXPECT_GT(nWithout, nWith + IndexOf(vPlain).size()) << "the index is made at the first reading";
+    EXPECT_LT(nWithout, MOST + 16 * vPlain.size()) << "in all that is taken, some of it given back on the way";
 }
 
 TEST_F(TextCalls, ReadOnAfterAReadingThatHadNoMemory) {
